@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <any>
+#include <span>
+#include <utility>
+#include <vector>
+
+#include "Platform/Export.h"
+#include "Platform/Runtime/AnyArgument.h"
+#include "Platform/Runtime/ClassRecord.h"
+#include "Platform/Runtime/IMP.h"
+#include "Platform/Runtime/NSObject.h"
+#include "Platform/Runtime/RunningMethod.h"
+
+namespace rvf {
+
+/// Hands a message that no method answers to the receiver's `forwardInvocation`, and returns its
+/// result. Raises the unrecognized-selector exception if the receiver has no signature for it.
+RVF_EXPORT std::any forwardMessage(NSObject& receiver, SEL selector,
+                                   std::vector<std::any> arguments);
+
+/// Sends a message whose arguments are known only at run time.
+RVF_EXPORT std::any sendWithArguments(NSObject& receiver, SEL selector,
+                                      std::span<const std::any> arguments);
+
+/// Sends a message: looks the method up along the receiver's class chain and calls it, or
+/// forwards it. `R` and the argument types are the method's own, or convert to them without loss
+/// (see `IMP`). Costs a look-up per class of the chain until one answers.
+///
+///     const int count = send<int>(person, SEL("count"));
+template <class R = void, class... Args>
+R send(NSObject& receiver, SEL selector, Args&&... arguments) {
+  if (const Method* method = receiver.isa()->method(selector)) {
+    const RunningMethod running(*method);
+    return method->implementation.call<R, std::decay_t<Args>...>(receiver, selector,
+                                                                 std::forward<Args>(arguments)...);
+  }
+  std::vector<std::any> boxed;
+  boxed.reserve(sizeof...(Args));
+  (boxed.push_back(toAny(std::forward<Args>(arguments))), ...);
+  return anyTo<R>(forwardMessage(receiver, selector, std::move(boxed)));
+}
+
+/// The same to a reference. An absent receiver answers absent, 0 or false. The receiver lives
+/// until the method has returned.
+template <class R = void, class T, class... Args>
+R send(const Ref<T>& receiver, SEL selector, Args&&... arguments) {
+  if (!receiver) return R();
+  const Ref<T> alive = receiver;
+  return send<R>(static_cast<NSObject&>(*alive), selector, std::forward<Args>(arguments)...);
+}
+
+}  // namespace rvf

@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <utility>
+
+#include "Platform/Export.h"
+#include "Platform/Runtime/Ref.h"
+
+namespace rvf {
+
+/// A release scope: what was handed to it lives until the scope ends.
+///
+///     NSAutoreleasePool pool;
+///     autorelease(object);          // lives at least until `pool` is destroyed
+///
+/// Scopes nest by thread, innermost first, and are made on the stack. The run loop opens one
+/// around every callout. Outside every scope, an object lives until the next outermost scope of
+/// its thread ends, or the thread does. Objects are released newest first; what their destructors
+/// hand over is released by the same drain. Opening and closing an empty scope costs nanoseconds.
+class RVF_EXPORT NSAutoreleasePool final {
+ public:
+  NSAutoreleasePool() noexcept;
+  ~NSAutoreleasePool();
+  NSAutoreleasePool(const NSAutoreleasePool&) = delete;
+  NSAutoreleasePool& operator=(const NSAutoreleasePool&) = delete;
+
+  /// Releases what the scope holds now; the scope goes on.
+  void drain();
+
+  /// Hands a reference to this thread's innermost scope.
+  static void addObject(std::shared_ptr<void> object);
+
+ private:
+  std::size_t base_;
+  std::size_t depth_;
+};
+
+/// Keeps `object` alive until this thread's innermost release scope ends, and returns it.
+template <class T>
+Ref<T> autorelease(Ref<T> object) {
+  NSAutoreleasePool::addObject(object);
+  return object;
+}
+
+}  // namespace rvf

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <exception>
+#include <string>
+#include <string_view>
+
+#include "Platform/Export.h"
+
+namespace rvf {
+
+/// A programming error: a message to the wrong object, an index outside its range, a broken
+/// contract. Failures that can happen at run time in a correct program are `NSError`s instead.
+///
+/// Thrown by value and caught by reference. `what()` is "NAME: REASON".
+class RVF_EXPORT NSException : public std::exception {
+ public:
+  NSException(std::string_view name, std::string_view reason);
+  ~NSException() override;
+  NSException(const NSException&) = default;
+  NSException& operator=(const NSException&) = default;
+
+  const std::string& name() const noexcept { return name_; }
+  const std::string& reason() const noexcept { return reason_; }
+  const char* what() const noexcept override { return what_.c_str(); }
+
+  /// Throws an exception with this name and reason.
+  [[noreturn]] static void raise(std::string_view name, std::string_view reason);
+
+ private:
+  std::string name_;
+  std::string reason_;
+  std::string what_;
+};
+
+inline constexpr std::string_view NSRangeException = "NSRangeException";
+inline constexpr std::string_view NSInvalidArgumentException = "NSInvalidArgumentException";
+inline constexpr std::string_view NSGenericException = "NSGenericException";
+inline constexpr std::string_view NSInternalInconsistencyException =
+    "NSInternalInconsistencyException";
+inline constexpr std::string_view NSDestinationInvalidException = "NSDestinationInvalidException";
+
+}  // namespace rvf

@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Platform/Runtime/NSObject.h"
+
+#include <functional>
+
+#include "Platform/Runtime/ClassBuilder.h"
+#include "Platform/Runtime/NSException.h"
+#include "Platform/Runtime/NSInvocation.h"
+#include "Platform/Runtime/NSMethodSignature.h"
+#include "Platform/Runtime/Pointers.h"
+#include "Platform/Runtime/Runtime.h"
+
+namespace rvf {
+
+NSObject::~NSObject() = default;
+
+Class NSObject::classObject() {
+  static const Class kClass = ClassBuilder<NSObject>("NSObject", nullptr)
+                                  .conformsTo("NSObject")
+                                  .method<&NSObject::description>("description")
+                                  .method<&NSObject::hash>("hash")
+                                  .registered();
+  return kClass;
+}
+
+Class NSObject::isa() const {
+  return classObject();
+}
+
+bool NSObject::isKindOfClass(Class aClass) const {
+  return class_isSubclassOf(isa(), aClass);
+}
+
+bool NSObject::isMemberOfClass(Class aClass) const {
+  return isa() == aClass;
+}
+
+bool NSObject::conformsToProtocol(std::string_view protocolName) const {
+  return class_conformsToProtocol(isa(), objc_getProtocol(protocolName));
+}
+
+bool NSObject::respondsToSelector(SEL selector) const {
+  return class_respondsToSelector(isa(), selector);
+}
+
+bool NSObject::isEqual(const NSObject* other) const {
+  return this == other;
+}
+
+std::size_t NSObject::hash() const {
+  return std::hash<const NSObject*>()(this);
+}
+
+std::string NSObject::description() const {
+  return "<" + std::string(class_getName(isa())) + ": " + pointerText(this) + ">";
+}
+
+Ref<NSMethodSignature> NSObject::methodSignatureForSelector(SEL selector) const {
+  const IMP implementation = class_getMethodImplementation(isa(), selector);
+  if (!implementation) return nullptr;
+  return NSMethodSignature::signatureWithTypes(implementation.typeEncoding());
+}
+
+void NSObject::forwardInvocation(NSInvocation& invocation) {
+  doesNotRecognizeSelector(invocation.selector());
+}
+
+void NSObject::doesNotRecognizeSelector(SEL selector) const {
+  NSException::raise(NSInvalidArgumentException,
+                     "-[" + std::string(class_getName(isa())) + " " + std::string(selector.name()) +
+                         "]: unrecognized selector sent to instance " + pointerText(this));
+}
+
+bool objectsAreEqual(const id& a, const id& b) {
+  return a == b || (a && b && a->isEqual(b));
+}
+
+}  // namespace rvf

@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <cstddef>
+#include <initializer_list>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "Platform/Export.h"
+#include "Platform/Runtime/NSObject.h"
+#include "Platform/Values/NSArray.h"
+#include "Platform/Values/ObjectHash.h"
+
+namespace rvf {
+
+/// A map from objects, mostly texts, to objects, none of them absent (that raises
+/// `NSInvalidArgumentException`). In no defined order. Immutable, so safe to share between
+/// threads.
+class RVF_EXPORT NSDictionary : public NSObject {
+ public:
+  using Entries = std::unordered_map<id, id, ObjectHash, ObjectEqual>;
+  using TextEntries = std::initializer_list<std::pair<std::string_view, id>>;
+
+  NSDictionary() = default;
+  explicit NSDictionary(Entries entries);
+
+  static Ref<NSDictionary> dictionary();
+  /// From text keys; of two equal keys the later one counts.
+  static Ref<NSDictionary> dictionaryWithEntries(TextEntries entries);
+
+  static Class classObject();
+  Class isa() const override;
+
+  std::size_t count() const noexcept { return entries_.size(); }
+  /// Absent if there is no entry.
+  id objectForKey(const id& key) const;
+  id objectForKey(std::string_view key) const;
+  /// The entry as text; absent if there is none or it is no text.
+  std::optional<std::string> textForKey(std::string_view key) const;
+  Ref<NSArray> allKeys() const;
+  Ref<NSArray> allValues() const;
+
+  const Entries& entries() const noexcept { return entries_; }
+
+  bool isEqual(const NSObject* other) const override;
+  std::size_t hash() const override;
+  /// "{key = value; …}" with the keys in order of their descriptions.
+  std::string description() const override;
+
+ protected:
+  Entries& mutableEntries() noexcept { return entries_; }
+
+ private:
+  Entries entries_;
+};
+
+}  // namespace rvf

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Platform/Values/NSNull.h"
+
+#include "Platform/Runtime/ClassBuilder.h"
+#include "Platform/Runtime/ClassRegistration.h"
+
+namespace rvf {
+namespace {
+
+const ClassRegistration kRegistration(&NSNull::classObject);
+
+}  // namespace
+
+Ref<NSNull> NSNull::null() {
+  static const Ref<NSNull> kNull = std::make_shared<NSNull>();
+  return kNull;
+}
+
+Class NSNull::classObject() {
+  static const Class kClass = ClassBuilder<NSNull>("NSNull", NSObject::classObject()).registered();
+  return kClass;
+}
+
+Class NSNull::isa() const {
+  return classObject();
+}
+
+}  // namespace rvf

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "Platform/Export.h"
+#include "Platform/Runtime/NSObject.h"
+
+namespace rvf {
+
+/// Stands for "absent" where a collection needs an object. There is one.
+class RVF_EXPORT NSNull final : public NSObject {
+ public:
+  static Ref<NSNull> null();
+
+  static Class classObject();
+  Class isa() const override;
+  std::string description() const override { return "<null>"; }
+};
+
+}  // namespace rvf

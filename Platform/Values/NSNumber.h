@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <type_traits>
+#include <variant>
+
+#include "Platform/Export.h"
+#include "Platform/Runtime/TypeEncoding.h"
+#include "Platform/Values/NSValue.h"
+
+namespace rvf {
+
+/// A number as an object. It remembers the type code that it was made with (`c` for flags,
+/// `s S i I q Q f d`), prints accordingly and compares by value: 1, 1.0 and true are equal and
+/// hash alike. Immutable.
+///
+/// Integer readings of an integer wrap like a C cast; readings of a fraction truncate toward zero
+/// and saturate when out of range, NaN reads as 0.
+class RVF_EXPORT NSNumber : public NSValue {
+ public:
+  template <class T>
+  requires std::is_arithmetic_v<T>
+  explicit NSNumber(T value) : NSNumber(storageOf(value), typeEncoding<T>()) {}
+
+  template <class T>
+  requires std::is_arithmetic_v<T>
+  static Ref<NSNumber> numberWithValue(T value) { return std::make_shared<NSNumber>(value); }
+
+  static Class classObject();
+  Class isa() const override;
+
+  bool boolValue() const;
+  signed char charValue() const { return integer<signed char>(); }
+  unsigned char unsignedCharValue() const { return integer<unsigned char>(); }
+  short shortValue() const { return integer<short>(); }
+  unsigned short unsignedShortValue() const { return integer<unsigned short>(); }
+  int intValue() const { return integer<int>(); }
+  unsigned unsignedIntValue() const { return integer<unsigned>(); }
+  long integerValue() const { return integer<long>(); }
+  unsigned long unsignedIntegerValue() const { return integer<unsigned long>(); }
+  long long longLongValue() const { return integer<long long>(); }
+  unsigned long long unsignedLongLongValue() const { return integer<unsigned long long>(); }
+  float floatValue() const { return static_cast<float>(doubleValue()); }
+  virtual double doubleValue() const;
+
+  /// The shortest decimal text that reads back to the same value; flags print "1" and "0".
+  virtual std::string stringValue() const;
+  /// Negative, 0 or positive; NaN orders below every other number.
+  virtual int compare(const NSNumber& other) const;
+
+  bool isEqual(const NSObject* other) const override;
+  std::size_t hash() const override;
+  std::string description() const override { return stringValue(); }
+
+ protected:
+  using Storage = std::variant<std::int64_t, std::uint64_t, double>;
+  NSNumber(Storage storage, const std::string& typeCode);
+
+ private:
+  template <class T>
+  static Storage storageOf(T value) {
+    if constexpr (std::floating_point<T>) {
+      return static_cast<double>(value);
+    } else if constexpr (std::is_unsigned_v<T> && !std::same_as<T, bool>) {
+      return static_cast<std::uint64_t>(value);
+    } else {
+      return static_cast<std::int64_t>(value);
+    }
+  }
+
+  template <class T>
+  T integer() const {
+    if (const auto* fraction = std::get_if<double>(&storage_)) {
+      return std::is_signed_v<T> ? static_cast<T>(saturated(*fraction, sizeof(T)))
+                                 : static_cast<T>(saturatedUnsigned(*fraction, sizeof(T)));
+    }
+    return static_cast<T>(bits());
+  }
+  std::uint64_t bits() const;
+  static std::int64_t saturated(double value, std::size_t bytes);
+  static std::uint64_t saturatedUnsigned(double value, std::size_t bytes);
+
+  Storage storage_;
+};
+
+/// The object form of a number.
+template <class T>
+requires std::is_arithmetic_v<T> Ref<NSNumber> box(T value) {
+  return NSNumber::numberWithValue(value);
+}
+
+}  // namespace rvf

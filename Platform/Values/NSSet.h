@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <cstddef>
+#include <unordered_set>
+#include <vector>
+
+#include "Platform/Export.h"
+#include "Platform/Runtime/NSObject.h"
+#include "Platform/Values/NSArray.h"
+#include "Platform/Values/ObjectHash.h"
+
+namespace rvf {
+
+/// A set of objects, equal ones once, none of them absent (that raises
+/// `NSInvalidArgumentException`). In no defined order. Immutable.
+class RVF_EXPORT NSSet final : public NSObject {
+ public:
+  using Objects = std::unordered_set<id, ObjectHash, ObjectEqual>;
+
+  explicit NSSet(const std::vector<id>& objects);
+
+  static Ref<NSSet> setWithObjects(const std::vector<id>& objects);
+
+  static Class classObject();
+  Class isa() const override;
+
+  std::size_t count() const noexcept { return objects_.size(); }
+  bool containsObject(const id& object) const;
+  Ref<NSArray> allObjects() const;
+
+  auto begin() const noexcept { return objects_.begin(); }
+  auto end() const noexcept { return objects_.end(); }
+
+  bool isEqual(const NSObject* other) const override;
+  std::size_t hash() const override;
+  std::string description() const override;
+
+ private:
+  Objects objects_;
+};
+
+}  // namespace rvf

@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "RVFoundation/CoreServices/RVFRecoveryAttempterBlock.h"
+
+#include <utility>
+
+#include "Platform/Runtime/ClassBuilder.h"
+#include "Platform/Runtime/ClassRegistration.h"
+#include "Platform/Runtime/NSAutoreleasePool.h"
+#include "Platform/Runtime/NSInvocation.h"
+#include "Platform/Runtime/NSMethodSignature.h"
+
+namespace rvf {
+namespace {
+
+const ClassRegistration kRegistration(&RVFRecoveryAttempterBlock::classObject);
+
+constexpr std::size_t kDidRecoverArgument = 2;
+constexpr std::size_t kRecoveryErrorArgument = 3;
+
+}  // namespace
+
+Ref<RVFRecoveryAttempterBlock> RVFRecoveryAttempterBlock::recoveryAttempterWithHandler(
+    Handler handler) {
+  auto attempter = std::make_shared<RVFRecoveryAttempterBlock>();
+  attempter->setHandler(std::move(handler));
+  return autorelease(std::move(attempter));
+}
+
+Class RVFRecoveryAttempterBlock::classObject() {
+  static const Class kClass =
+      ClassBuilder<RVFRecoveryAttempterBlock>("RVFRecoveryAttempterBlock", NSObject::classObject())
+          .property("handler", "T@?,C,N,V_handler")
+          .ivar<&RVFRecoveryAttempterBlock::handler_>("_handler")
+          .method<&RVFRecoveryAttempterBlock::handler>("handler")
+          .method<&RVFRecoveryAttempterBlock::setHandler>("setHandler:")
+          .registered();
+  return kClass;
+}
+
+Class RVFRecoveryAttempterBlock::isa() const {
+  return classObject();
+}
+
+void RVFRecoveryAttempterBlock::setHandler(Handler handler) {
+  handler_ = std::move(handler);
+}
+
+bool RVFRecoveryAttempterBlock::attemptRecoveryFromError(const Ref<NSError>& error,
+                                                         std::size_t optionIndex) {
+  const Handler handler = handler_;  // may replace itself, or drop its owner
+  return handler(error, optionIndex, nullptr);
+}
+
+void RVFRecoveryAttempterBlock::attemptRecoveryFromError(const Ref<NSError>& error,
+                                                         std::size_t optionIndex,
+                                                         const id& delegate, SEL didRecoverSelector,
+                                                         const void* /*contextInfo*/) {
+  const Handler handler = handler_;
+  Ref<NSError> recoveryError;
+  const bool didRecover = handler(error, optionIndex, &recoveryError);
+  const auto invocation = NSInvocation::invocationWithMethodSignature(
+      delegate ? delegate->methodSignatureForSelector(didRecoverSelector) : nullptr);
+  invocation->setSelector(didRecoverSelector);
+  invocation->setArgument(didRecover, kDidRecoverArgument);
+  if (recoveryError) invocation->setArgument(recoveryError, kRecoveryErrorArgument);
+  invocation->invokeWithTarget(delegate);
+}
+
+}  // namespace rvf
