@@ -93,7 +93,7 @@ std::string NSDictionary::description() const {
   }
   std::string text = "{";
   for (const auto& [key, value] : lines)
-    text += key + " = " + value + "; ";
+    text.append(key).append(" = ").append(value).append("; ");
   if (text.ends_with(' ')) text.pop_back();
   return text + "}";
 }

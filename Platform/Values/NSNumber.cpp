@@ -17,7 +17,7 @@ namespace {
 const ClassRegistration kRegistration(&NSNumber::classObject);
 
 int orderOf(std::partial_ordering order) {
-  return order < 0 ? -1 : order > 0 ? 1 : 0;
+  return std::is_lt(order) ? -1 : std::is_gt(order) ? 1 : 0;
 }
 
 int compareIntegers(std::int64_t a, std::uint64_t b) {
