@@ -96,6 +96,16 @@ struct PublishEvents {
   std::function<void(NSNetServicesError)> failed;
 };
 
+/// A publication under way.
+class RVF_EXPORT PublishActivity : public DiscoveryActivity {
+ public:
+  ~PublishActivity() override;
+  /// Replaces the TXT record (wire form; empty publishes one zero byte). Who watches the record
+  /// sees the new one; the registration itself is not withdrawn. Also while it is not yet
+  /// established.
+  virtual void updateTXTRecord(std::vector<std::byte> txtRecord) = 0;
+};
+
 /// A way to speak DNS-SD, for one thread.
 class RVF_EXPORT ServiceDiscoveryBackend {
  public:
@@ -114,8 +124,8 @@ class RVF_EXPORT ServiceDiscoveryBackend {
   /// Goes on until destroyed: new addresses are reported as they come. No time-out of its own.
   virtual std::unique_ptr<DiscoveryActivity> resolve(const ServiceIdentity& identity,
                                                      ResolveEvents events) = 0;
-  virtual std::unique_ptr<DiscoveryActivity> publish(const Publication& publication,
-                                                     PublishEvents events) = 0;
+  virtual std::unique_ptr<PublishActivity> publish(const Publication& publication,
+                                                   PublishEvents events) = 0;
 
   /// The name that a registration without one gets: the host's pretty name or its host name.
   virtual std::string defaultServiceName() = 0;
