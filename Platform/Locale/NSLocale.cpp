@@ -1,0 +1,153 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Platform/Locale/NSLocale.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <functional>
+#include <mutex>
+
+#include "Platform/Runtime/ClassBuilder.h"
+#include "Platform/Runtime/ClassRegistration.h"
+
+namespace rvf {
+namespace {
+
+const ClassRegistration kRegistration(&NSLocale::classObject);
+
+constexpr std::string_view kPOSIXIdentifier = "en_US_POSIX";
+constexpr std::string_view kSeparators = "_-";
+
+constexpr bool isLower(char c) noexcept {
+  return c >= 'a' && c <= 'z';
+}
+constexpr bool isUpper(char c) noexcept {
+  return c >= 'A' && c <= 'Z';
+}
+constexpr bool isLetter(char c) noexcept {
+  return isLower(c) || isUpper(c);
+}
+constexpr bool isDigit(char c) noexcept {
+  return c >= '0' && c <= '9';
+}
+constexpr char lowered(char c) noexcept {
+  return isUpper(c) ? static_cast<char>(c - 'A' + 'a') : c;
+}
+constexpr char raised(char c) noexcept {
+  return isLower(c) ? static_cast<char>(c - 'a' + 'A') : c;
+}
+
+/// Cuts the next subtag off the front of an identifier.
+std::string_view nextSubtag(std::string_view& identifier) noexcept {
+  const std::size_t end = std::min(identifier.find_first_of(kSeparators), identifier.size());
+  const std::string_view subtag = identifier.substr(0, end);
+  identifier.remove_prefix(std::min(end + 1, identifier.size()));
+  return subtag;
+}
+
+bool isLanguage(std::string_view subtag) noexcept {
+  return subtag.size() >= 2 && subtag.size() <= 8 && std::ranges::all_of(subtag, isLetter);
+}
+
+bool isScript(std::string_view subtag) noexcept {
+  return subtag.size() == 4 && std::ranges::all_of(subtag, isLetter);
+}
+
+bool isCountry(std::string_view subtag) noexcept {
+  return (subtag.size() == 2 && std::ranges::all_of(subtag, isLetter)) ||
+         (subtag.size() == 3 && std::ranges::all_of(subtag, isDigit));
+}
+
+std::string_view environmentValue(const char* name) noexcept {
+  const char* value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe): read once, see below
+  return value ? value : "";
+}
+
+/// Read once: a host may change its environment later, while other threads run.
+const std::string& environmentIdentifier() {
+  static const std::string kIdentifier = NSLocale::identifierForEnvironment(
+      environmentValue("LC_ALL"), environmentValue("LC_MESSAGES"), environmentValue("LANG"));
+  return kIdentifier;
+}
+
+struct CurrentLocale {
+  std::mutex mutex;
+  Ref<NSLocale> locale;  ///< absent until it is first asked for
+};
+
+CurrentLocale& current() {
+  static CurrentLocale state;
+  return state;
+}
+
+}  // namespace
+
+NSLocale::NSLocale(std::string_view localeIdentifier) : identifier_(localeIdentifier) {}
+
+Ref<NSLocale> NSLocale::localeWithLocaleIdentifier(std::string_view identifier) {
+  return std::make_shared<NSLocale>(identifier);
+}
+
+Ref<NSLocale> NSLocale::currentLocale() {
+  CurrentLocale& state = current();
+  const std::lock_guard lock(state.mutex);
+  if (!state.locale) state.locale = localeWithLocaleIdentifier(environmentIdentifier());
+  return state.locale;
+}
+
+void NSLocale::setCurrentLocaleIdentifier(const std::optional<std::string>& identifier) {
+  Ref<NSLocale> locale = identifier ? localeWithLocaleIdentifier(*identifier) : nullptr;
+  CurrentLocale& state = current();
+  const std::lock_guard lock(state.mutex);
+  state.locale = std::move(locale);
+}
+
+std::string NSLocale::identifierForEnvironment(std::string_view lcAll, std::string_view lcMessages,
+                                               std::string_view lang) {
+  std::string_view value = !lcAll.empty() ? lcAll : !lcMessages.empty() ? lcMessages : lang;
+  value = value.substr(0, value.find_first_of(".@"));
+  std::string_view rest = value;
+  if (value == "POSIX" || !isLanguage(nextSubtag(rest))) return std::string(kPOSIXIdentifier);
+  return std::string(value);
+}
+
+Class NSLocale::classObject() {
+  static const Class kClass =
+      ClassBuilder<NSLocale>("NSLocale", NSObject::classObject())
+          .property("localeIdentifier", "T@\"NSString\",R,C,N,V_localeIdentifier")
+          .registered();
+  return kClass;
+}
+
+Class NSLocale::isa() const {
+  return classObject();
+}
+
+std::string NSLocale::languageCode() const {
+  std::string_view rest = identifier_;
+  std::string code(nextSubtag(rest));
+  if (!isLanguage(code)) return "";
+  std::ranges::transform(code, code.begin(), lowered);
+  return code;
+}
+
+std::string NSLocale::countryCode() const {
+  std::string_view rest = identifier_;
+  nextSubtag(rest);
+  std::string_view subtag = nextSubtag(rest);
+  if (isScript(subtag)) subtag = nextSubtag(rest);
+  if (!isCountry(subtag)) return "";
+  std::string code(subtag);
+  std::ranges::transform(code, code.begin(), raised);
+  return code;
+}
+
+bool NSLocale::isEqual(const NSObject* other) const {
+  const auto* locale = dynamic_cast<const NSLocale*>(other);
+  return locale && identifier_ == locale->identifier_;
+}
+
+std::size_t NSLocale::hash() const {
+  return std::hash<std::string>()(identifier_);
+}
+
+}  // namespace rvf

@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "Platform/Export.h"
+#include "Platform/Runtime/NSObject.h"
+
+namespace rvf {
+
+/// A language with a country, known by an identifier such as "de_AT" or "zh_Hant_TW" (Unicode
+/// technical standard 35; "-" separates as well as "_"). Immutable, so safe to share between
+/// threads.
+///
+/// The current locale is the process environment's message locale until a client sets another. The
+/// C library's process-wide locale is neither read nor changed.
+class RVF_EXPORT NSLocale final : public NSObject {
+ public:
+  explicit NSLocale(std::string_view localeIdentifier);
+
+  static Ref<NSLocale> localeWithLocaleIdentifier(std::string_view identifier);
+
+  /// The locale that user-visible texts are for. Thread-safe.
+  static Ref<NSLocale> currentLocale();
+  /// Sets the current locale of the whole process; absent goes back to the environment's.
+  /// Thread-safe.
+  static void setCurrentLocaleIdentifier(const std::optional<std::string>& identifier);
+  /// The identifier that these values of the environment's variables stand for: the first that is
+  /// not empty, without character set and modifier. "C", "POSIX", none and what names no language
+  /// are "en_US_POSIX".
+  static std::string identifierForEnvironment(std::string_view lcAll, std::string_view lcMessages,
+                                              std::string_view lang);
+
+  static Class classObject();
+  Class isa() const override;
+
+  const std::string& localeIdentifier() const noexcept { return identifier_; }
+  /// "de": two to eight ASCII letters in lower case; empty if the identifier names no language.
+  std::string languageCode() const;
+  /// "AT" or "419": two ASCII letters in upper case or three digits; empty if there is none.
+  std::string countryCode() const;
+
+  bool isEqual(const NSObject* other) const override;
+  std::size_t hash() const override;
+  std::string description() const override { return identifier_; }
+
+ private:
+  std::string identifier_;
+};
+
+}  // namespace rvf
