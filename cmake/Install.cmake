@@ -1,4 +1,11 @@
+# cmake --install, and what find_package(RVFoundation CONFIG) finds afterwards.
+
 include(CMakePackageConfigHelpers)
+
+set(RVF_PACKAGE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/RVFoundation")
+
+# The two libraries lie side by side, wherever the prefix is.
+set_target_properties(RVFoundation PROPERTIES INSTALL_RPATH "$ORIGIN")
 
 install(
   TARGETS Platform RVFoundation
@@ -7,3 +14,22 @@ install(
   LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
   ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}"
   FILE_SET HEADERS DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/rvfoundation")
+
+install(
+  EXPORT RVFoundationTargets
+  NAMESPACE RVFoundation::
+  DESTINATION "${RVF_PACKAGE_DIR}")
+
+configure_package_config_file(
+  "${CMAKE_CURRENT_LIST_DIR}/RVFoundationConfig.cmake.in"
+  "${PROJECT_BINARY_DIR}/RVFoundationConfig.cmake" INSTALL_DESTINATION "${RVF_PACKAGE_DIR}")
+# Until 1.0 a minor version may break its clients.
+write_basic_package_version_file("${PROJECT_BINARY_DIR}/RVFoundationConfigVersion.cmake"
+                                 COMPATIBILITY SameMinorVersion)
+install(FILES "${PROJECT_BINARY_DIR}/RVFoundationConfig.cmake"
+              "${PROJECT_BINARY_DIR}/RVFoundationConfigVersion.cmake"
+        DESTINATION "${RVF_PACKAGE_DIR}")
+if(NOT BUILD_SHARED_LIBS)
+  # Static libraries leave it to their client to link what they stand on.
+  install(FILES "${CMAKE_CURRENT_LIST_DIR}/Dependencies.cmake" DESTINATION "${RVF_PACKAGE_DIR}")
+endif()
