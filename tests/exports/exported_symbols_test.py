@@ -14,7 +14,7 @@ OWN = re.compile(
     r"((vtable|VTT|typeinfo|typeinfo name|guard variable) for |construction vtable for "
     r"|(non-virtual|virtual) thunk to |covariant return thunk to |TLS (init|wrapper) function for )?"
     r"rvf::")
-FOREIGN = re.compile(r"\b(fmt|boost|avahi|nlohmann|CLI)\b")
+FOREIGN = re.compile(r"([^(<]*\s)?(fmt|boost|nlohmann|CLI)::")
 WEAK_KINDS = "VWu"
 
 
@@ -25,7 +25,7 @@ def foreign_symbols(library):
     if not any(OWN.match(name) for _, name in symbols):
         yield "no symbol of its own at all"
     for kind, name in symbols:
-        if not OWN.match(name) and (kind not in WEAK_KINDS or FOREIGN.search(name)):
+        if not OWN.match(name) and (kind not in WEAK_KINDS or FOREIGN.match(name)):
             yield f"{kind} {name}"
 
 
