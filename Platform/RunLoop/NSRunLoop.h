@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "Platform/Export.h"
+#include "Platform/RunLoop/RunLoopClock.h"
 #include "Platform/Runtime/NSObject.h"
 
 namespace rvf {
@@ -49,7 +50,8 @@ struct DescriptorEvents {
 /// release scope of its own, so callbacks may run the loop again (nested), add and remove
 /// anything, and throw: an exception leaves the run call, and the loop stays usable.
 ///
-/// Delays are measured on the monotonic clock and are never shortened. Items posted from one
+/// Delays are measured on the loop's clock, the monotonic one unless it is replaced, and are never
+/// shortened. Items posted from one
 /// thread run in the order posted; timers of equal time run in the order scheduled; no order is
 /// promised between the two kinds.
 ///
@@ -88,6 +90,8 @@ class RVF_EXPORT NSRunLoop final : public NSObject {
                                                                DescriptorEvents wanted,
                                                                const RunLoopModes& modes,
                                                                DescriptorBlock block);
+  /// The same for a block that is never called off: it lives until it has run, or the loop is gone.
+  void performAfterDelay(double delaySeconds, const RunLoopModes& modes, Block block);
   /// Adds a mode to the set that `NSRunLoopCommonModes` stands for.
   void addCommonMode(std::string_view mode);
 
@@ -113,10 +117,22 @@ class RVF_EXPORT NSRunLoop final : public NSObject {
 
   /// Becomes readable when a turn has something to do. Owned by the loop.
   int pollableDescriptor();
-  /// How long the host may wait, rounded up to whole milliseconds; absent: for ever.
-  std::optional<std::chrono::milliseconds> nextTimeout();
+  /// How long the host may wait, rounded up to whole milliseconds; absent: for ever. Ask before
+  /// every wait: this also makes the descriptor notice what has been added.
+  std::optional<std::chrono::milliseconds> nextTimeout(
+      std::string_view mode = NSDefaultRunLoopMode);
   /// One turn that does not wait. Answers whether anything was called.
   bool turn(std::string_view mode = NSDefaultRunLoopMode);
+
+  // Time
+
+  /// When the next timer of this mode is due, on the loop's clock; absent if there is none.
+  std::optional<Clock::time_point> nextDeadline(std::string_view mode = NSDefaultRunLoopMode) const;
+  /// Any thread.
+  std::shared_ptr<RunLoopClock> clock() const;
+  /// Replaces the clock, for tests; absent brings the monotonic one back. Timers that are running
+  /// keep what is left of their delay.
+  void setClock(std::shared_ptr<RunLoopClock> clock);
 
  private:
   class Core;
@@ -126,6 +142,7 @@ class RVF_EXPORT NSRunLoop final : public NSObject {
   explicit NSRunLoop(Private);
 
  private:
+  friend class ThreadRunLoop;
   std::shared_ptr<Core> core_;
 };
 
