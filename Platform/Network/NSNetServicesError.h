@@ -3,6 +3,9 @@
 
 #include <string_view>
 
+#include "Platform/Export.h"
+#include "Platform/Values/NSDictionary.h"
+
 namespace rvf {
 
 /// Keys of the failure dictionary that discovery delegates receive: a number and a text. Errors
@@ -21,5 +24,8 @@ enum class NSNetServicesError : long {
   invalid = -72006,
   timeout = -72007,
 };
+
+/// What a discovery delegate is given for this failure.
+RVF_EXPORT Ref<NSDictionary> failureDictionary(NSNetServicesError error);
 
 }  // namespace rvf

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Platform/Network/ServiceNames.h"
+
+#include <charconv>
+#include <utility>
+
+#include "Platform/Text/Text.h"
+#include "Platform/Text/Utf8.h"
+
+namespace rvf {
+namespace {
+
+constexpr std::size_t kLongestLabel = 63;
+
+bool isServiceLabel(std::string_view label) noexcept {
+  return label.size() >= 2 && label.size() <= kLongestLabel && label.front() == '_';
+}
+
+/// The name without a suffix " (N)", and N; 1 if it has none. Only what this file writes counts
+/// as a suffix: N from 2 on, without leading zeros.
+std::pair<std::string_view, unsigned> splitSuffix(std::string_view name) noexcept {
+  const std::pair<std::string_view, unsigned> plain(name, 1U);
+  const std::size_t opening = name.rfind(" (");
+  if (opening == std::string_view::npos || opening == 0 || name.back() != ')') return plain;
+  const char* const first = name.data() + opening + 2;
+  const char* const last = name.data() + name.size() - 1;
+  unsigned number = 0;
+  const auto [end, error] = std::from_chars(first, last, number);
+  constexpr unsigned kLargest = 999'999'999;
+  if (error != std::errc() || end != last || *first == '0' || number < 2 || number >= kLargest) {
+    return plain;
+  }
+  return {name.substr(0, opening), number};
+}
+
+}  // namespace
+
+std::string withFinalDot(std::string_view text) {
+  std::string dotted(text);
+  if (!dotted.empty() && dotted.back() != '.') dotted += '.';
+  return dotted;
+}
+
+bool isServiceType(std::string_view text) noexcept {
+  if (!text.empty() && text.back() == '.') text.remove_suffix(1);
+  const std::size_t last = text.rfind('.');
+  if (last == std::string_view::npos) return false;
+  const std::string_view protocol = text.substr(last + 1);
+  if (protocol != "_tcp" && protocol != "_udp") return false;
+  for (text = text.substr(0, last); !text.empty();) {
+    const std::size_t dot = text.find('.');
+    if (!isServiceLabel(text.substr(0, dot))) return false;
+    if (dot == std::string_view::npos) return true;
+    text.remove_prefix(dot + 1);
+  }
+  return false;
+}
+
+std::string_view cutToBytes(std::string_view text, std::size_t limit) noexcept {
+  if (text.size() <= limit) return text;
+  while (limit > 0 && isUtf8Continuation(text[limit]))
+    --limit;
+  return text.substr(0, limit);
+}
+
+std::string nextServiceName(std::string_view name) {
+  const auto [base, number] = splitSuffix(name);
+  const std::string suffix = " (" + std::to_string(number + 1) + ")";
+  return std::string(cutToBytes(base, kLongestServiceName - suffix.size())) + suffix;
+}
+
+}  // namespace rvf

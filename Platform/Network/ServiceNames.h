@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "Platform/Export.h"
+
+/// The texts that make up a DNS-SD registration (RFC 6763, 4.1).
+namespace rvf {
+
+/// The most bytes that a registration's name can have (one DNS label).
+inline constexpr std::size_t kLongestServiceName = 63;
+
+/// The text with a final dot; empty stays empty.
+RVF_EXPORT std::string withFinalDot(std::string_view text);
+
+/// Whether the text is "_service._tcp" or "_service._udp", or a subtype "_x._sub._service._tcp",
+/// with or without the final dot.
+RVF_EXPORT bool isServiceType(std::string_view text) noexcept;
+
+/// The first `limit` bytes at most, cut where a character ends.
+RVF_EXPORT std::string_view cutToBytes(std::string_view text, std::size_t limit) noexcept;
+
+/// The name to try when `name` is taken: "Till" becomes "Till (2)", "Till (2)" becomes "Till (3)".
+/// A long name is cut so that the result has at most 63 bytes.
+RVF_EXPORT std::string nextServiceName(std::string_view name);
+
+}  // namespace rvf
