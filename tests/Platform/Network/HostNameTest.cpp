@@ -27,7 +27,8 @@ TEST(HostName, ReadsThePrettyNameAsAShellWould) {
       {"#PRETTY_HOSTNAME=No\n", std::nullopt},
       {"", std::nullopt},
   };
-  for (const auto& [text, name] : cases) EXPECT_EQ(prettyHostName(text), name) << text;
+  for (const auto& [text, name] : cases)
+    EXPECT_EQ(prettyHostName(text), name) << text;
 }
 
 TEST(HostName, IsNeverEmpty) {
