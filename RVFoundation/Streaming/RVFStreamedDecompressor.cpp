@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "RVFoundation/Streaming/RVFStreamedDecompressor.h"
+
+#include <zlib.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <limits>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "Platform/Locale/NSBundle.h"
+#include "Platform/Runtime/ClassBuilder.h"
+#include "Platform/Runtime/ClassRegistration.h"
+#include "Platform/Values/NSString.h"
+#include "RVFoundation/CoreServices/RVFErrors.h"
+#include "RVFoundation/CoreServices/RVFLibraryBundle.h"
+
+namespace rvf {
+namespace {
+
+const ClassRegistration kRegistration(&RVFStreamedDecompressor::classObject);
+
+constexpr const char* kZlibInterface = "1.2.8";
+constexpr int kDetectedWrapper = 47;  // 15-bit window, zlib or gzip by its header
+
+void report(Ref<NSError>* error, RVFErrorCode code) {
+  reportError(error, [code] { return NSError::errorWithDomain(RVFErrorDomain, code); });
+}
+
+Ref<NSError> inconsistentStreamStateError() {
+  const Ref<NSBundle> bundle = RVFLibraryBundle();
+  const std::string description =
+      bundle->localizedStringForKey("An error occurred while receiving data.");
+  const std::string suggestion =
+      bundle->localizedStringForKey("Please check your network connection and try again.");
+  return NSError::errorWithDomain(
+      RVFErrorDomain, RVFInconsistentStreamStateError,
+      NSDictionary::dictionaryWithEntries({
+          {NSLocalizedDescriptionKey, NSString::stringWithString(description)},
+          {NSLocalizedRecoverySuggestionErrorKey, NSString::stringWithString(suggestion)},
+      }));
+}
+
+}  // namespace
+
+struct RVFStreamedDecompressor::Stream {
+  z_stream record = {};
+
+  void setInput(const NSData& chunk) {
+    record.next_in =
+        reinterpret_cast<Bytef*>(const_cast<std::byte*>(chunk.bytes().data()));  // only read
+    record.avail_in = static_cast<uInt>(chunk.length());
+  }
+  int inflateInto(std::byte* output, uInt room) {
+    record.next_out = reinterpret_cast<Bytef*>(output);
+    record.avail_out = room;
+    return inflate(&record, Z_NO_FLUSH);
+  }
+};
+
+RVFStreamedDecompressor::RVFStreamedDecompressor() : strm_(std::make_unique<Stream>()) {}
+
+RVFStreamedDecompressor::~RVFStreamedDecompressor() {
+  if (!decompressionComplete_) inflateEnd(&strm_->record);
+}
+
+Ref<RVFStreamedDecompressor> RVFStreamedDecompressor::init() {
+  Ref<RVFStreamedDecompressor> decompressor(new RVFStreamedDecompressor);
+  z_stream& record = decompressor->strm_->record;
+  if (inflateInit2_(&record, kDetectedWrapper, kZlibInterface, sizeof record) != Z_OK) {
+    return nullptr;
+  }
+  return decompressor;
+}
+
+Class RVFStreamedDecompressor::classObject() {
+  static const Class kClass =
+      ClassBuilder<RVFStreamedDecompressor>("RVFStreamedDecompressor", NSObject::classObject())
+          .ivar("strm", "^{z_stream_s}")
+          .ivar<&RVFStreamedDecompressor::decompressionStarted_>("decompressionStarted")
+          .ivar<&RVFStreamedDecompressor::decompressionComplete_>("decompressionComplete")
+          .method<&RVFStreamedDecompressor::decompressChunk>("decompressChunk:error:")
+          .method<&RVFStreamedDecompressor::completeDecompressionUsingError>(
+              "completeDecompressionUsingError:")
+          .registered();
+  return kClass;
+}
+
+Class RVFStreamedDecompressor::isa() const {
+  return classObject();
+}
+
+Ref<NSData> RVFStreamedDecompressor::decompressChunk(const Ref<NSData>& chunk,
+                                                     Ref<NSError>* error) {
+  if (!chunk || chunk->empty()) {
+    report(error, RVFEmptyChunkError);
+    return chunk;
+  }
+  Stream& stream = *strm_;
+  stream.setInput(*chunk);
+  decompressionStarted_ = true;
+  const auto room =
+      static_cast<uInt>(std::min<std::size_t>(chunk->length(), std::numeric_limits<uInt>::max()));
+  const auto scratch = std::make_unique_for_overwrite<std::byte[]>(room);
+  std::vector<std::byte> accumulator;
+  int result = Z_OK;
+  do {
+    result = stream.inflateInto(scratch.get(), room);
+    switch (result) {
+      case Z_MEM_ERROR:
+      case Z_DATA_ERROR:
+      case Z_NEED_DICT:
+        inflateEnd(&stream.record);
+        report(error, RVFCorruptStreamError);
+        return nullptr;
+      case Z_STREAM_ERROR:
+        inflateEnd(&stream.record);
+        reportError(error, &inconsistentStreamStateError);
+        return nullptr;
+      default:
+        accumulator.insert(accumulator.end(), scratch.get(),
+                           scratch.get() + (room - stream.record.avail_out));
+    }
+  } while (stream.record.avail_out == 0);
+  if (result == Z_STREAM_END) {
+    decompressionComplete_ = true;
+    inflateEnd(&stream.record);
+  }
+  return std::make_shared<NSData>(std::move(accumulator));
+}
+
+bool RVFStreamedDecompressor::completeDecompressionUsingError(Ref<NSError>* error) {
+  if (!decompressionStarted_) {
+    report(error, RVFNoChunkError);
+    return false;
+  }
+  if (!decompressionComplete_) report(error, RVFIncompleteStreamError);
+  return decompressionComplete_;
+}
+
+}  // namespace rvf
