@@ -4,7 +4,7 @@
 #include <mutex>
 #include <utility>
 
-#include "Platform/Runtime/NSException.h"
+#include "Platform/Network/AvahiEmbeddedBackend.h"
 
 namespace rvf {
 namespace {
@@ -60,7 +60,7 @@ std::shared_ptr<ServiceDiscoveryBackend> ServiceDiscovery::backendOfThisThread()
 }
 
 std::unique_ptr<ServiceDiscoveryBackend> ServiceDiscovery::makeBackend(ServiceDiscoveryChoice) {
-  NSException::raise(NSInternalInconsistencyException, "no back end for service discovery");
+  return std::make_unique<AvahiEmbeddedBackend>();
 }
 
 }  // namespace rvf

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Platform/Network/AvahiEmbedded/EmbeddedTXTWatch.h"
+
+#include <utility>
+
+#include "Platform/Network/AvahiEmbedded/AvahiRecords.h"
+
+namespace rvf {
+
+EmbeddedTXTWatch::EmbeddedTXTWatch(std::shared_ptr<EmbeddedStack> stack,
+                                   const ServiceIdentity& identity, TXTRecordEvents events)
+    : stack_(std::move(stack)), identity_(identity), outbox_(std::move(events)) {
+  stack_->add(*this);
+}
+
+EmbeddedTXTWatch::~EmbeddedTXTWatch() {
+  stack_->remove(*this);
+}
+
+void EmbeddedTXTWatch::attach(AvahiServer& server) {
+  const auto name = fullServiceName(identity_);
+  if (!name) return outbox_.send(&TXTRecordEvents::failed, NSNetServicesError::badArgument);
+  watch_.emplace(server, *name, AVAHI_DNS_TYPE_TXT, [this](const AvahiRecord& record, int) {
+    outbox_.send(&TXTRecordEvents::updated, txtRecordData(record));
+  });
+  if (watch_->isRunning()) return;
+  outbox_.send(&TXTRecordEvents::failed, discoveryError(avahi_server_errno(&server)));
+}
+
+void EmbeddedTXTWatch::detach() {
+  watch_.reset();
+}
+
+}  // namespace rvf

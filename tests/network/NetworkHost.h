@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "tests/network/Process.h"
+
+namespace rvf::network {
+
+/// A host of its own: a network namespace, and on request a private system bus with an Avahi
+/// daemon. It and everything that runs in it end with their owner.
+///
+/// Making one takes root and the programs of iproute2, for the daemon also dbus-daemon and
+/// avahi-daemon; without them it throws, saying what is missing.
+class NetworkHost {
+ public:
+  /// `label` tells the hosts of one test apart: "a", "b".
+  explicit NetworkHost(const std::string& label);
+  ~NetworkHost();
+  NetworkHost(const NetworkHost&) = delete;
+  NetworkHost& operator=(const NetworkHost&) = delete;
+
+  /// Joins two hosts by a link, named alike on both sides: `10.99.SUBNET.1/24` on this side and
+  /// `10.99.SUBNET.2/24` on the other, and link-local IPv6 addresses.
+  void connect(NetworkHost& other, int subnet);
+  /// "v0" for subnet 0.
+  static std::string linkName(int subnet) { return "v" + std::to_string(subnet); }
+  void setLink(const std::string& name, bool isUp);
+  int interfaceIndex(const std::string& link) const;
+
+  /// Starts bus and daemon, and returns when the daemon answers.
+  void startDaemon();
+  /// Ends the daemon with this signal; its bus stays.
+  void endDaemon(int signal);
+  void endBus(int signal);
+  bool hasDaemon() const { return daemon_ != nullptr; }
+
+  /// The arguments of a program, as needed to run it inside the host, and its environment there.
+  Arguments inside(const Arguments& program) const;
+  Environment environment() const;
+
+ private:
+  void configureLink(int subnet, int side);
+  void startBus();
+  std::filesystem::path file(const std::string& name) const { return folder_ / name; }
+
+  std::string name_;
+  std::filesystem::path folder_;
+  std::unique_ptr<Process> bus_;
+  std::unique_ptr<Process> daemon_;
+};
+
+}  // namespace rvf::network

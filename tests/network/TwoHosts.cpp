@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "tests/network/TwoHosts.h"
+
+namespace rvf::network {
+
+std::string nameOfPair(const testing::TestParamInfo<BackendPair>& info) {
+  return nameOf(info.param.publisher) + "To" + nameOf(info.param.seeker);
+}
+
+testing::internal::ParamGenerator<BackendPair> everyPair() {
+  return testing::Values(BackendPair{Backend::embedded, Backend::embedded});
+}
+
+}  // namespace rvf::network

@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/network/NetworkHost.h"
+#include "tests/network/Probe.h"
+
+namespace rvf::network {
+
+/// Two hosts on one link, "v0", each with its kind of back end.
+struct TwoHosts {
+  TwoHosts() { here.connect(there, 0); }
+
+  NetworkHost here{"a"};
+  NetworkHost there{"b"};
+};
+
+/// The back ends of the publishing and of the looking side.
+struct BackendPair {
+  Backend publisher;
+  Backend seeker;
+};
+
+inline void PrintTo(const BackendPair& pair, std::ostream* stream) {
+  *stream << pair.publisher << " and " << pair.seeker;
+}
+
+/// A test on two hosts: a probe that publishes on one, a probe that looks on the other.
+class PairTest : public testing::TestWithParam<BackendPair> {
+ protected:
+  static constexpr const char* kType = "_rvf-test._tcp";
+
+  TwoHosts hosts_;
+  Probe publisher_{hosts_.here, GetParam().publisher};
+  Probe seeker_{hosts_.there, GetParam().seeker};
+};
+
+/// "EmbeddedAndDaemon"-like names for the instances.
+std::string nameOfPair(const testing::TestParamInfo<BackendPair>& info);
+
+/// Every pair of back ends that must work together.
+testing::internal::ParamGenerator<BackendPair> everyPair();
+
+}  // namespace rvf::network
