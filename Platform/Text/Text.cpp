@@ -2,6 +2,7 @@
 #include "Platform/Text/Text.h"
 
 #include <algorithm>
+#include <cstdint>
 
 #include "Platform/Text/Utf8.h"
 
@@ -28,28 +29,42 @@ std::size_t utf16Length(std::string_view text) noexcept {
 
 namespace {
 
-/// Maps code points so that comparing them orders as their UTF-16 forms do: supplementary ones
-/// start with a surrogate, D800 to DBFF, and so come before E000 to FFFF.
-constexpr char32_t utf16Rank(char32_t codePoint) noexcept {
-  if (codePoint > 0xFFFF) return codePoint;
-  return codePoint < 0xE000 ? codePoint : codePoint + 0x110000;
+/// Maps units so that comparing them orders as their UTF-16 forms do: supplementary characters
+/// start with a surrogate, D800 to DBFF, and so come before E000 to FFFF. Bytes that belong to no
+/// character come next to U+FFFD, each in a place of its own, so that the order is a total one.
+constexpr std::uint32_t utf16Rank(const Utf8Unit& unit, char firstByte) noexcept {
+  constexpr std::uint32_t kAfterSupplementary = 0x110000;
+  constexpr std::uint32_t kRoomForBytes = 0x100;
+  if (!unit.wellFormed)
+    return kAfterSupplementary + 0xFFFD + 1 + static_cast<unsigned char>(firstByte);
+  if (unit.codePoint > 0xFFFF || unit.codePoint < 0xE000) return unit.codePoint;
+  const std::uint32_t rank = kAfterSupplementary + unit.codePoint;
+  return unit.codePoint > 0xFFFD ? rank + kRoomForBytes : rank;
+}
+
+bool isContinuationAt(std::string_view text, std::size_t index) noexcept {
+  return index < text.size() && isUtf8Continuation(text[index]);
 }
 
 }  // namespace
 
 int compareUtf16(std::string_view a, std::string_view b) noexcept {
-  const auto [atA, atB] = std::ranges::mismatch(a, b);
-  std::size_t start = static_cast<std::size_t>(atA - a.begin());
-  if (atA == a.end() || atB == b.end()) {
-    return a.size() == b.size() ? 0 : a.size() < b.size() ? -1 : 1;
-  }
-  // Back to the start of the character that differs.
-  while (start > 0 && (isUtf8Continuation(a[start]) || isUtf8Continuation(b[start])))
+  // Whatever is no continuation byte starts a unit, so back to there from the first difference.
+  auto start = static_cast<std::size_t>(std::ranges::mismatch(a, b).in1 - a.begin());
+  while (start > 0 && (isContinuationAt(a, start) || isContinuationAt(b, start)))
     --start;
-  const char32_t rankA = utf16Rank(firstUtf8Unit(a.substr(start)).codePoint);
-  const char32_t rankB = utf16Rank(firstUtf8Unit(b.substr(start)).codePoint);
-  if (rankA != rankB) return rankA < rankB ? -1 : 1;
-  return a.substr(start).compare(b.substr(start)) < 0 ? -1 : 1;
+  a.remove_prefix(start);
+  b.remove_prefix(start);
+  while (!a.empty() && !b.empty()) {
+    const Utf8Unit unitA = firstUtf8Unit(a);
+    const Utf8Unit unitB = firstUtf8Unit(b);
+    const std::uint32_t rankA = utf16Rank(unitA, a.front());
+    const std::uint32_t rankB = utf16Rank(unitB, b.front());
+    if (rankA != rankB) return rankA < rankB ? -1 : 1;
+    a.remove_prefix(unitA.length);
+    b.remove_prefix(unitB.length);
+  }
+  return a.empty() && b.empty() ? 0 : a.empty() ? -1 : 1;
 }
 
 std::vector<std::string_view> splitText(std::string_view text, std::string_view separator) {

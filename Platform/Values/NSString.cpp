@@ -53,6 +53,9 @@ std::size_t NSString::hash() const {
 Ref<NSString> box(std::string_view text) {
   return NSString::stringWithString(text);
 }
+Ref<NSString> box(const std::string& text) {
+  return box(std::string_view(text));
+}
 Ref<NSString> box(const char* text) {
   return text ? box(std::string_view(text)) : nullptr;
 }

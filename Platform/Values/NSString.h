@@ -43,6 +43,7 @@ class RVF_EXPORT NSString final : public NSObject {
 
 /// The object form of a text; absent stays absent.
 RVF_EXPORT Ref<NSString> box(std::string_view text);
+RVF_EXPORT Ref<NSString> box(const std::string& text);
 RVF_EXPORT Ref<NSString> box(const char* text);
 RVF_EXPORT Ref<NSString> box(const std::optional<std::string>& text);
 

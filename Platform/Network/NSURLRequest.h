@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <string>
+
+#include "Platform/Export.h"
+#include "Platform/Network/NSURL.h"
+#include "Platform/Runtime/NSObject.h"
+#include "Platform/Values/NSData.h"
+
+namespace rvf {
+
+/// What to ask of a URL, for whoever carries it out. Immutable itself; see `NSMutableURLRequest`.
+class RVF_EXPORT NSURLRequest : public NSObject {
+ public:
+  /// A "GET" without body that may take 60 seconds.
+  explicit NSURLRequest(Ref<NSURL> url);
+
+  static Ref<NSURLRequest> requestWithURL(Ref<NSURL> url);
+
+  static Class classObject();
+  Class isa() const override;
+
+  const Ref<NSURL>& URL() const noexcept { return url_; }
+  const std::string& HTTPMethod() const noexcept { return method_; }
+  /// Absent for no body, which differs from an empty one.
+  const Ref<NSData>& HTTPBody() const noexcept { return body_; }
+  /// Seconds.
+  double timeoutInterval() const noexcept { return timeoutInterval_; }
+
+  /// Whether URL, method, body and time-out are equal.
+  bool isEqual(const NSObject* other) const override;
+  std::size_t hash() const override;
+
+ private:
+  friend class NSMutableURLRequest;
+  Ref<NSURL> url_;
+  std::string method_;
+  Ref<NSData> body_;
+  double timeoutInterval_;
+};
+
+}  // namespace rvf

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Platform/Text/PercentEncoding.h"
+
+#include "Platform/Text/Text.h"
+
+namespace rvf {
+namespace {
+
+constexpr bool isUnreserved(char c) noexcept {
+  return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-' ||
+         c == '_' || c == '.' || c == '~';
+}
+
+/// 0 to 15; -1 for another character.
+constexpr int hexadecimalValue(char c) noexcept {
+  if (c >= '0' && c <= '9') return c - '0';
+  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+  return -1;
+}
+
+/// The byte of the escape that a text begins with; -1 if it is not whole.
+constexpr int escapedByte(std::string_view text) noexcept {
+  if (text.size() < 3) return -1;
+  const int high = hexadecimalValue(text[1]);
+  const int low = hexadecimalValue(text[2]);
+  return high < 0 || low < 0 ? -1 : high << 4 | low;
+}
+
+}  // namespace
+
+std::optional<std::string> addPercentEscapes(std::string_view text) {
+  constexpr std::string_view kDigits = "0123456789ABCDEF";
+  if (!isValidUtf8(text)) return std::nullopt;
+  std::string result;
+  result.reserve(text.size());
+  for (const char c : text) {
+    if (isUnreserved(c)) {
+      result += c;
+      continue;
+    }
+    const auto byte = static_cast<unsigned char>(c);
+    result += {'%', kDigits[byte >> 4], kDigits[byte & 15]};
+  }
+  return result;
+}
+
+std::optional<std::string> removePercentEscapes(std::string_view text) {
+  std::string result;
+  result.reserve(text.size());
+  while (!text.empty()) {
+    if (text.front() != '%') {
+      result += text.front();
+      text.remove_prefix(1);
+      continue;
+    }
+    const int byte = escapedByte(text);
+    if (byte < 0) return std::nullopt;
+    result += static_cast<char>(byte);
+    text.remove_prefix(3);
+  }
+  if (!isValidUtf8(result)) return std::nullopt;
+  return result;
+}
+
+bool hasOnlyWholePercentEscapes(std::string_view text) noexcept {
+  for (std::size_t at = text.find('%'); at != std::string_view::npos; at = text.find('%', at + 1))
+    if (escapedByte(text.substr(at)) < 0) return false;
+  return true;
+}
+
+}  // namespace rvf

@@ -1,0 +1,190 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Platform/Text/Text.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <rapidcheck.h>
+
+#include "Platform/Text/Utf8.h"
+#include "tests/Platform/Text/TextGenerators.h"
+
+namespace rvf {
+namespace {
+
+using namespace std::string_literals;
+using testing::ElementsAre;
+
+constexpr std::size_t kMegabyte = 1 << 20;
+
+TEST(Text, KnowsWellFormedUtf8) {
+  for (const std::string& text :
+       {""s, "a"s, "\0"s, "ü"s, "€"s, "😀"s, "\xED\x9F\xBF"s, "\xEE\x80\x80"s, "\xF4\x8F\xBF\xBF"s})
+    EXPECT_TRUE(isValidUtf8(text)) << testing::PrintToString(text);
+  for (const std::string& text :
+       {"\x80"s, "\xC3"s, "\xC0\x80"s, "\xE2\x82"s, "\xE0\x80\x80"s, "\xED\xA0\x80"s,
+        "\xF0\x80\x80\x80"s, "\xF4\x90\x80\x80"s, "\xF5\x80\x80\x80"s, "\xFF"s, "aü\xBC"s})
+    EXPECT_FALSE(isValidUtf8(text)) << testing::PrintToString(text);
+}
+
+TEST(Text, LengthCountsUtf16CodeUnits) {
+  struct Row {
+    std::string text;
+    std::size_t length;
+  };
+  const Row rows[] = {{"", 0},
+                      {"abc", 3},
+                      {"ü", 1},
+                      {"€", 1},
+                      {"😀", 2},
+                      {"\0"s, 1},
+                      {"\uFFFF", 1},
+                      {"e\u0301", 2},
+                      {"\xFF", 1},
+                      {"\xE2\x82", 2},
+                      {"\xED\xA0\x80", 3},
+                      {"a\xF0\x9F\x98", 4},
+                      {"\xC3\xBC\xBC", 2}};
+  for (const Row& row : rows)
+    EXPECT_EQ(utf16Length(row.text), row.length) << testing::PrintToString(row.text);
+}
+
+TEST(Text, ComparesByUtf16CodeUnit) {
+  const std::vector<std::string> ascending = {
+      "",  "\0"s, "A",      "A\0"s, "AB", "B",          "Z",      "a",      "aa",    "ü",
+      "€", "€a",  "\uD7FF", "😀",    "😀a", "\U0010FFFF", "\uE000", "\uFF21", "\uFFFF"};
+  for (std::size_t i = 0; i < ascending.size(); ++i) {
+    for (std::size_t j = 0; j < ascending.size(); ++j) {
+      const int order = compareUtf16(ascending[i], ascending[j]);
+      EXPECT_EQ(order < 0, i < j) << i << " " << j;
+      EXPECT_EQ(order > 0, i > j) << i << " " << j;
+    }
+  }
+}
+
+TEST(Text, GeneratedTextsAreWellFormed) {
+  EXPECT_TRUE(rc::check([] { RC_ASSERT(isValidUtf8(*anyText())); }));
+}
+
+TEST(Text, ComparisonOfAnyBytesIsATotalOrder) {
+  EXPECT_TRUE(rc::check([] {
+    const std::string a = *anyBytes();
+    const std::string b = *anyBytes();
+    const std::string c = *anyBytes();
+    RC_ASSERT((compareUtf16(a, b) == 0) == (a == b));
+    RC_ASSERT((compareUtf16(a, b) < 0) == (compareUtf16(b, a) > 0));
+    if (compareUtf16(a, b) < 0 && compareUtf16(b, c) < 0) RC_ASSERT(compareUtf16(a, c) < 0);
+  }));
+}
+
+TEST(Text, ATruncatedCharacterDoesNotBreakTheOrder) {
+  const std::string cut = "\xE2\x82";
+  EXPECT_GT(compareUtf16(cut, "€"), 0);
+  EXPECT_LT(compareUtf16("€", "\uD7FF"), 0);
+  EXPECT_GT(compareUtf16(cut, "\uD7FF"), 0);
+}
+
+TEST(Text, SplitsAtEverySeparatorAndKeepsEmptyPieces) {
+  EXPECT_THAT(splitText("", "?"), ElementsAre(""));
+  EXPECT_THAT(splitText("?;1", "?"), ElementsAre("", ";1"));
+  EXPECT_THAT(splitText("a^^b^", "^"), ElementsAre("a", "", "b", ""));
+  EXPECT_THAT(splitText("aaaa", "aa"), ElementsAre("", "", ""));
+  EXPECT_THAT(splitText("aaa", "aa"), ElementsAre("", "a"));
+  EXPECT_THAT(splitText("1?", "?"), ElementsAre("1", ""));
+  EXPECT_THAT(splitText("any text", ""), ElementsAre("any text"));
+  EXPECT_THAT(splitText("", ""), ElementsAre(""));
+  EXPECT_THAT(splitText("a\0b"s, "\0"s), ElementsAre("a", "b"));
+  EXPECT_THAT(splitText("a\xFF"
+                        "b",
+                        "\xFF"),
+              ElementsAre("a", "b"));
+}
+
+TEST(Text, JoiningThePiecesGivesTheTextBack) {
+  EXPECT_TRUE(rc::check([](const std::string& text) {
+    std::string joined;
+    for (const std::string_view piece : splitText(text, "a"))
+      joined += std::string(piece) + "a";
+    RC_ASSERT(joined == text + "a");
+  }));
+}
+
+TEST(Text, ReadsBooleans) {
+  struct Row {
+    std::string text;
+    bool value;
+  };
+  const Row rows[] = {{"12abc", true},
+                      {" +7", true},
+                      {"-01", true},
+                      {"", false},
+                      {"abc", false},
+                      {"--1", false},
+                      {"yes", true},
+                      {"True", true},
+                      {"no", false},
+                      {"0", false},
+                      {"000", false},
+                      {"off", false},
+                      {"99999999999", true},
+                      {"0x1F", false},
+                      {"010", true},
+                      {"1.9", true},
+                      {"1,5", true},
+                      {"1e3", true},
+                      {"inf", false},
+                      {"nan", false},
+                      {"t", true},
+                      {"Y", true},
+                      {" \t\n\u00A0\u30001", true},
+                      {"\u200B1", false},
+                      {"+", false},
+                      {"+ 1", false},
+                      {"-0", false},
+                      {"\xFF"
+                       "1",
+                       false},
+                      {"\0"
+                       "1"s,
+                       false},
+                      {"١", false},
+                      {"0.1", false}};
+  for (const Row& row : rows)
+    EXPECT_EQ(boolValueOfText(row.text), row.value) << testing::PrintToString(row.text);
+}
+
+TEST(Text, ReadsAMegabyte) {
+  const std::string blanks(kMegabyte, ' ');
+  EXPECT_FALSE(boolValueOfText(blanks + "0"));
+  EXPECT_EQ(utf16Length(blanks), kMegabyte);
+  EXPECT_EQ(splitText(blanks, " ").size(), kMegabyte + 1);
+  EXPECT_LT(
+      compareUtf16(std::string(kMegabyte, '\x80') + "a", std::string(kMegabyte, '\x80') + "b"), 0);
+}
+
+TEST(Text, StepsThroughAnyBytesWithoutLosingOne) {
+  EXPECT_TRUE(rc::check([] {
+    const std::string text = *anyBytes();
+    std::string rest = text;
+    std::size_t bytes = 0;
+    while (!rest.empty()) {
+      const Utf8Unit unit = firstUtf8Unit(rest);
+      RC_ASSERT(unit.length >= 1 && unit.length <= rest.size());
+      RC_ASSERT(unit.wellFormed || unit.length == 1);
+      bytes += unit.length;
+      rest.erase(0, unit.length);
+    }
+    RC_ASSERT(bytes == text.size());
+  }));
+}
+
+TEST(Text, KnowsWhiteSpaceAndNewlines) {
+  for (const unsigned blank : {0x09, 0x20, 0xA0, 0x1680, 0x2000, 0x200A, 0x202F, 0x205F, 0x3000})
+    EXPECT_TRUE(isWhiteSpace(blank) && !isNewline(blank)) << std::hex << blank;
+  for (const unsigned newline : {0x0A, 0x0B, 0x0C, 0x0D, 0x85, 0x2028, 0x2029})
+    EXPECT_TRUE(isNewline(newline) && !isWhiteSpace(newline)) << std::hex << newline;
+  for (const unsigned other : {0x08, 0x0E, 0x41, 0x86, 0x180E, 0x1FFF, 0x200B, 0xFEFF})
+    EXPECT_FALSE(isWhiteSpaceOrNewline(other)) << std::hex << other;
+}
+
+}  // namespace
+}  // namespace rvf
