@@ -22,10 +22,10 @@ Class NSMutableURLRequest::classObject() {
           .property("HTTPMethod", "T@\"NSString\",C,N")
           .property("HTTPBody", "T@\"NSData\",C,N")
           .property("timeoutInterval", "Td,N")
-.method<&NSMutableURLRequest::setURL>("setURL:")
-.method<&NSMutableURLRequest::setHTTPMethod>("setHTTPMethod:")
-.method<&NSMutableURLRequest::setHTTPBody>("setHTTPBody:")
-.method<&NSMutableURLRequest::setTimeoutInterval>("setTimeoutInterval:")
+          .method<&NSMutableURLRequest::setURL>("setURL:")
+          .method<&NSMutableURLRequest::setHTTPMethod>("setHTTPMethod:")
+          .method<&NSMutableURLRequest::setHTTPBody>("setHTTPBody:")
+          .method<&NSMutableURLRequest::setTimeoutInterval>("setTimeoutInterval:")
           .registered();
   return kClass;
 }

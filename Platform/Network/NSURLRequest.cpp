@@ -28,10 +28,10 @@ Class NSURLRequest::classObject() {
                                   .property("HTTPMethod", "T@\"NSString\",R,C,N")
                                   .property("HTTPBody", "T@\"NSData\",R,C,N")
                                   .property("timeoutInterval", "Td,R,N")
-.method<&NSURLRequest::URL>("URL")
-.method<&NSURLRequest::HTTPMethod>("HTTPMethod")
-.method<&NSURLRequest::HTTPBody>("HTTPBody")
-.method<&NSURLRequest::timeoutInterval>("timeoutInterval")
+                                  .method<&NSURLRequest::URL>("URL")
+                                  .method<&NSURLRequest::HTTPMethod>("HTTPMethod")
+                                  .method<&NSURLRequest::HTTPBody>("HTTPBody")
+                                  .method<&NSURLRequest::timeoutInterval>("timeoutInterval")
                                   .registered();
   return kClass;
 }

@@ -4,8 +4,10 @@
 #include <fmt/format.h>
 #include <fmt/printf.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <cstdlib>
 #include <utility>
 
 #include "Platform/Runtime/NSException.h"
@@ -76,6 +78,39 @@ std::size_t startOfDigits(std::string_view number) noexcept {
   const std::string_view digits = number.substr(start);
   if (digits.starts_with("0x") || digits.starts_with("0X")) start += 2;
   return start;
+}
+
+/// A number without its field's width.
+std::string floatingText(const Flags& flags, std::optional<std::size_t> precision, char conversion,
+                         double value) {
+  std::string form = "%";
+  if (flags.plus) form += '+';
+  if (flags.blank) form += ' ';
+  if (flags.alternate) form += '#';
+  if (precision) form += fmt::format(".{}", *precision);
+  form += conversion;
+  return fmt::sprintf(form, value);
+}
+
+/// `%#g` by its definition (C17, 7.21.6.1), because fmt's prints "100000.0" for "100000.".
+std::string alternateGeneralText(const Flags& flags, std::optional<std::size_t> precision,
+                                 bool isUpper, double value) {
+  const auto significant = static_cast<int>(std::max<std::size_t>(precision.value_or(6), 1));
+  const auto afterPoint = static_cast<std::size_t>(significant - 1);
+  const std::string scientific = floatingText(flags, afterPoint, isUpper ? 'E' : 'e', value);
+  const std::size_t mark = scientific.find(isUpper ? 'E' : 'e');
+  const int exponent = std::atoi(scientific.c_str() + mark + 1);
+  if (exponent < -4 || exponent >= significant) return scientific;
+  return floatingText(flags, static_cast<std::size_t>(significant - 1 - exponent), 'f', value);
+}
+
+std::string floatingText(const Specification& specification, double value) {
+  const char conversion = specification.conversion;
+  const bool isGeneral = conversion == 'g' || conversion == 'G';
+  if (specification.flags.alternate && isGeneral && std::isfinite(value))
+    return alternateGeneralText(specification.flags, specification.precision, conversion == 'G',
+                                value);
+  return floatingText(specification.flags, specification.precision, conversion, value);
 }
 
 class Formatter {
@@ -341,13 +376,7 @@ class Formatter {
     if (kConversions.find(specification.conversion) == std::string_view::npos)
       raise(std::string("Conversion that is not known or refused, %") + specification.conversion);
     const double value = floatingIn(argument(specification.position));
-    std::string form = "%";
-    if (specification.flags.plus) form += '+';
-    if (specification.flags.blank) form += ' ';
-    if (specification.flags.alternate) form += '#';
-    if (specification.precision) form += fmt::format(".{}", *specification.precision);
-    form += specification.conversion;
-    padNumber(specification, fmt::sprintf(form, value), std::isfinite(value));
+    padNumber(specification, floatingText(specification, value), std::isfinite(value));
   }
 
   void padNumber(const Specification& specification, std::string number, bool mayFillWithZeros) {
