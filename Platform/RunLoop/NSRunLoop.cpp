@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Platform/RunLoop/NSRunLoop.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <utility>
 
 #include "Platform/RunLoop/NSRunLoopCore.h"
+#include "Platform/RunLoop/NSThread.h"
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
 
@@ -21,35 +20,13 @@ constexpr double kNanosecondsPerSecond = 1e9;
 // A delay of more than a century is for ever, and stays clear of the end of the clock's range.
 constexpr double kLongestDelaySeconds = 100.0 * 366 * 24 * 60 * 60;
 
-NSRunLoop::Clock::time_point deadlineAfter(const RunLoopClock& clock, double delaySeconds) {
-  const NSRunLoop::Clock::time_point now = clock.now();
-  if (!(delaySeconds > 0)) return now;
-  const double nanoseconds = std::min(delaySeconds, kLongestDelaySeconds) * kNanosecondsPerSecond;
-  return now + std::chrono::nanoseconds(static_cast<std::int64_t>(std::ceil(nanoseconds)));
+std::chrono::nanoseconds nanosecondsOf(double seconds) {
+  if (!(seconds > 0)) return std::chrono::nanoseconds::zero();
+  const double nanoseconds = std::min(seconds, kLongestDelaySeconds) * kNanosecondsPerSecond;
+  return std::chrono::nanoseconds(static_cast<std::int64_t>(std::ceil(nanoseconds)));
 }
 
 }  // namespace
-
-/// Makes and ends the loops of threads.
-class ThreadRunLoop final {
- public:
-  ThreadRunLoop() : loop_(isInitialThread() ? mainLoop() : makeLoop()) {}
-  ThreadRunLoop(const ThreadRunLoop&) = delete;
-  ThreadRunLoop& operator=(const ThreadRunLoop&) = delete;
-  ~ThreadRunLoop() { loop_->core_->close(); }
-
-  const Ref<NSRunLoop>& loop() const { return loop_; }
-  static const Ref<NSRunLoop>& mainLoop() {
-    static const Ref<NSRunLoop> kMain = makeLoop();
-    return kMain;
-  }
-
- private:
-  static bool isInitialThread() { return ::gettid() == ::getpid(); }
-  static Ref<NSRunLoop> makeLoop() { return std::make_shared<NSRunLoop>(NSRunLoop::Private()); }
-
-  Ref<NSRunLoop> loop_;
-};
 
 RunLoopSource::~RunLoopSource() = default;
 
@@ -68,12 +45,15 @@ Class NSRunLoop::isa() const {
 }
 
 Ref<NSRunLoop> NSRunLoop::currentRunLoop() {
-  thread_local const ThreadRunLoop loop;
-  return loop.loop();
+  return NSThread::currentThread()->runLoop();
 }
 
 Ref<NSRunLoop> NSRunLoop::mainRunLoop() {
-  return ThreadRunLoop::mainLoop();
+  return NSThread::mainThread()->runLoop();
+}
+
+void NSRunLoop::close() {
+  core_->close();
 }
 
 void NSRunLoop::performInModes(const RunLoopModes& modes, Block block) {
@@ -86,14 +66,16 @@ void NSRunLoop::performBlock(Block block) {
 
 std::unique_ptr<RunLoopSource> NSRunLoop::scheduleTimer(double delaySeconds,
                                                         const RunLoopModes& modes, Block block) {
-  return core_->schedule(deadlineAfter(*core_->clock(), delaySeconds), ItemModes(modes),
+  return core_->schedule(core_->clock()->now() + nanosecondsOf(delaySeconds), ItemModes(modes),
                          std::move(block));
 }
 
 void NSRunLoop::performAfterDelay(double delaySeconds, const RunLoopModes& modes, Block block) {
-  if (modes.empty()) return;
-  core_->scheduleForGood(deadlineAfter(*core_->clock(), delaySeconds), ItemModes(modes),
-                         std::move(block));
+  performAtTime(core_->clock()->now() + nanosecondsOf(delaySeconds), modes, std::move(block));
+}
+
+void NSRunLoop::performAtTime(Clock::time_point time, const RunLoopModes& modes, Block block) {
+  if (!modes.empty()) core_->scheduleForGood(time, ItemModes(modes), std::move(block));
 }
 
 std::unique_ptr<RunLoopSource> NSRunLoop::watchDescriptor(int descriptor, DescriptorEvents wanted,

@@ -92,6 +92,8 @@ class RVF_EXPORT NSRunLoop final : public NSObject {
                                                                DescriptorBlock block);
   /// The same for a block that is never called off: it lives until it has run, or the loop is gone.
   void performAfterDelay(double delaySeconds, const RunLoopModes& modes, Block block);
+  /// The same with a time of the loop's clock.
+  void performAtTime(Clock::time_point time, const RunLoopModes& modes, Block block);
   /// Adds a mode to the set that `NSRunLoopCommonModes` stands for.
   void addCommonMode(std::string_view mode);
 
@@ -142,7 +144,9 @@ class RVF_EXPORT NSRunLoop final : public NSObject {
   explicit NSRunLoop(Private);
 
  private:
-  friend class ThreadRunLoop;
+  friend class NSThread;
+  void close();
+
   std::shared_ptr<Core> core_;
 };
 

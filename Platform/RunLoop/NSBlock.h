@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <functional>
+#include <utility>
+
+#include "Platform/Export.h"
+#include "Platform/Runtime/NSObject.h"
+
+namespace rvf {
+
+/// A callback without arguments as an object, so that it can travel as the argument of a message.
+/// Immutable.
+class RVF_EXPORT NSBlock final : public NSObject {
+ public:
+  using Block = std::function<void()>;
+
+  explicit NSBlock(Block block) : block_(std::move(block)) {}
+
+  static Class classObject();
+  Class isa() const override;
+
+  const Block& block() const noexcept { return block_; }
+  void invoke() const { block_(); }
+
+ private:
+  const Block block_;
+};
+
+}  // namespace rvf
