@@ -75,6 +75,8 @@ NSRunLoop::Core::Core() {
   check(uv_loop_init(&loop_));
   check(uv_async_init(&loop_, &async_, [](uv_async_t*) {}));
   check(uv_timer_init(&loop_, &timer_));
+  // The wake-up reaches the pollable descriptor only from the first turn on.
+  uv_run(&loop_, UV_RUN_NOWAIT);
 }
 
 NSRunLoop::Core::~Core() {
