@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "RVFoundation/ServerDiscovery/NSNetService-RVFExtensions.h"
+
+#include <memory>
+#include <utility>
+
+#include "Platform/Runtime/NSAutoreleasePool.h"
+#include "RVFoundation/ServerDiscovery/RVFNetServiceResolver.h"
+
+namespace rvf {
+
+void RVF_resolveWithTimeout(const Ref<NSNetService>& service, double timeoutSeconds,
+                            RVFNetServiceResolution usingCompletion) {
+  if (!service) return;
+  const auto resolver = std::make_shared<RVFNetServiceResolver>();
+  service->setDelegate(resolver);
+  resolver->setPrivateCompletion(
+      [resolver, service, completion = std::move(usingCompletion)](
+          const Ref<NSNetService>& resolved, const Ref<NSError>& error, bool wasStopped) {
+        resolver->setPrivateService(resolved);
+        completion(resolved, error, wasStopped);
+        resolved->setDelegate({});
+        autorelease(resolver);  // survives its own delegate callback
+        resolver->setPrivateCompletion(nullptr);
+        resolver->setPrivateService(nullptr);
+      });
+  service->resolveWithTimeout(timeoutSeconds);
+}
+
+}  // namespace rvf

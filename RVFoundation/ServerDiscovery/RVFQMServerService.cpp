@@ -1,0 +1,170 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "RVFoundation/ServerDiscovery/RVFQMServerService.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "Platform/Locale/NSBundle.h"
+#include "Platform/Runtime/ClassBuilder.h"
+#include "Platform/Runtime/ClassRegistration.h"
+#include "Platform/Text/Format.h"
+#include "RVFoundation/ServerDiscovery/RVFQMServerServiceBrowser.h"
+
+namespace rvf {
+namespace {
+
+const ClassRegistration kRegistration(&RVFQMServerService::classObject);
+
+constexpr std::string_view kLocalDomain = "local.";
+
+bool isLocal(const NSNetService& service) {
+  return service.domain() == kLocalDomain;
+}
+
+RVFQMServerService::DomainSuffixes& domainSuffixes() {
+  static RVFQMServerService::DomainSuffixes suffixes = {"btmm.quillmarsh.example.",
+                                                        "roaming.quillmarsh.example."};
+  return suffixes;
+}
+
+}  // namespace
+
+Class RVFQMServerService::classObject() {
+  static const Class kClass =
+      ClassBuilder<RVFQMServerService>("RVFQMServerService", NSObject::classObject())
+          .property("netServices", "T@\"NSArray\",R,N,V_netServices")
+          .property("mainService", "T@\"NSNetService\",&,N,V_mainService")
+          .property("isDemo", "Tc,N,V_isDemo")
+          .property("isLoaded", "Tc,N,V_isLoaded")
+          .property("serviceChangedHandler", "T@?,C,N,V_serviceChangedHandler")
+          .property("isUsingBackToMyMac", "Tc,R,N")
+          .property("name", "T@\"NSString\",R,N")
+          .ivar<&RVFQMServerService::mainService_>("_mainService")
+          .ivar<&RVFQMServerService::serviceChangedHandler_>("_serviceChangedHandler")
+          .ivar<&RVFQMServerService::isDemo_>("_isDemo")
+          .ivar<&RVFQMServerService::isLoaded_>("_isLoaded")
+          .method<&RVFQMServerService::mainService>("mainService")
+          .method<&RVFQMServerService::setMainService>("setMainService:")
+          .method<&RVFQMServerService::isDemo>("isDemo")
+          .method<&RVFQMServerService::setIsDemo>("setIsDemo:")
+          .method<&RVFQMServerService::isLoaded>("isLoaded")
+          .method<&RVFQMServerService::setIsLoaded>("setIsLoaded:")
+          .method<&RVFQMServerService::isUsingBackToMyMac>("isUsingBackToMyMac")
+          .method<&RVFQMServerService::name>("name")
+          .method<&RVFQMServerService::addNetService>("addNetService:")
+          .method<&RVFQMServerService::removeNetService>("removeNetService:")
+          .method<&RVFQMServerService::stop>("stop")
+          .registered();
+  return kClass;
+}
+
+Class RVFQMServerService::isa() const {
+  return classObject();
+}
+
+void RVFQMServerService::setMainService(Ref<NSNetService> service) {
+  mainService_ = std::move(service);
+}
+
+void RVFQMServerService::setIsDemo(bool isDemo) {
+  isDemo_ = isDemo;
+}
+
+void RVFQMServerService::setIsLoaded(bool isLoaded) {
+  isLoaded_ = isLoaded;
+}
+
+void RVFQMServerService::setServiceChangedHandler(ChangedHandler handler) {
+  serviceChangedHandler_ = std::move(handler);
+}
+
+const RVFQMServerService::DomainSuffixes& RVFQMServerService::wideAreaDomainSuffixes() {
+  return domainSuffixes();
+}
+
+void RVFQMServerService::setWideAreaDomainSuffixes(DomainSuffixes suffixes) {
+  domainSuffixes() = std::move(suffixes);
+}
+
+bool RVFQMServerService::isUsingBackToMyMac() const {
+  if (!mainService_) return false;
+  const std::string domain = mainService_->domain();
+  return std::ranges::any_of(wideAreaDomainSuffixes(), [&domain](const std::string& suffix) {
+    return domain.ends_with(suffix);
+  });
+}
+
+std::optional<std::string> RVFQMServerService::name() const {
+  if (!mainService_) return std::nullopt;
+  if (!isUsingBackToMyMac()) return mainService_->name();
+  const std::string format =
+      NSBundle::bundleForClass(classObject())->localizedStringForKey("%@ (Back to My Mac)");
+  return stringWithFormat(format, mainService_->name());
+}
+
+std::set<std::string> RVFQMServerService::keyPathsForValuesAffectingName() {
+  return {"mainService"};
+}
+
+void RVFQMServerService::addNetService(const Ref<NSNetService>& service) {
+  if (std::ranges::any_of(
+          netServices_, [&service](const auto& held) { return objectsAreEqual(held, service); })) {
+    return;
+  }
+  service->setDelegate(refTo(this));
+  service->startMonitoring();
+  netServices_.push_back(service);
+  if (netServices_.size() == 1 || (mainService_ && !isLocal(*mainService_) && isLocal(*service))) {
+    setMainService(service);
+  }
+}
+
+void RVFQMServerService::removeNetService(const Ref<NSNetService>& service) {
+  const auto self = refTo(this);
+  const Ref<NSNetService> removed = service;  // may be a reference into the list
+  stopWatching(*removed);
+  std::erase_if(netServices_,
+                [&removed](const auto& held) { return objectsAreEqual(held, removed); });
+  if (mainService_ && objectsAreEqual(mainService_, removed)) chooseMainService();
+  if (!netServices_.empty()) callChangedHandler();
+}
+
+void RVFQMServerService::chooseMainService() {
+  const auto local =
+      std::ranges::find_if(netServices_, [](const auto& service) { return isLocal(*service); });
+  if (local != netServices_.end()) {
+    setMainService(*local);
+  } else {
+    setMainService(netServices_.empty() ? nullptr : netServices_.front());
+  }
+}
+
+void RVFQMServerService::stop() {
+  const auto services = netServices_;
+  for (const Ref<NSNetService>& service : services)
+    stopWatching(*service);
+}
+
+void RVFQMServerService::stopWatching(NSNetService& service) {
+  if (service.delegate().get() != this) return;
+  service.stopMonitoring();
+  service.setDelegate({});
+}
+
+void RVFQMServerService::netServiceDidUpdateTXTRecordData(const Ref<NSNetService>& service,
+                                                          const Ref<NSData>& data) {
+  const auto self = refTo(this);
+  bool isDemoServer = false;
+  if (!RVFQMServerServiceBrowser::serviceContainsDemo(&isDemoServer, data)) return;
+  setIsDemo(isDemoServer);
+  setIsLoaded(true);
+  service->stopMonitoring();
+  service->setDelegate({});
+  callChangedHandler();
+}
+
+void RVFQMServerService::callChangedHandler() {
+  if (const ChangedHandler handler = serviceChangedHandler_) handler();
+}
+
+}  // namespace rvf

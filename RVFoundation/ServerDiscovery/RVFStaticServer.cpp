@@ -1,0 +1,222 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "RVFoundation/ServerDiscovery/RVFStaticServer.h"
+
+#include <netdb.h>
+#include <sys/socket.h>
+
+#include <map>
+#include <utility>
+
+#include "Platform/Locale/NSBundle.h"
+#include "Platform/Runtime/ClassBuilder.h"
+#include "Platform/Runtime/ClassRegistration.h"
+#include "Platform/System/UUID.h"
+#include "Platform/Values/NSString.h"
+#include "RVFoundation/BackgroundExecution/NSObject-RVFExtensions.h"
+
+namespace rvf {
+namespace {
+
+const ClassRegistration kRegistration(&RVFStaticServer::classObject);
+
+constexpr std::string_view kDefaultPort = "9630";
+constexpr std::string_view kStringTable = "RVFStaticServer";
+constexpr std::string_view kAddressKey = "serverAddress";
+constexpr std::string_view kDescriptionKey = "serverDescription";
+constexpr std::string_view kIdKey = "serverId";
+
+std::optional<std::string> textOf(const id& value) {
+  return value ? std::optional(value->description()) : std::nullopt;
+}
+
+void store(const std::optional<std::string>& text, std::string_view key,
+           NSMutableDictionary& record) {
+  if (text) record.setObject(box(*text), key);
+}
+
+std::string_view withoutBrackets(std::string_view host) {
+  if (host.size() > 1 && host.starts_with('[') && host.ends_with(']')) {
+    return host.substr(1, host.size() - 2);
+  }
+  return host;
+}
+
+/// Texts of our own for resolver codes that users meet; the resolver's own serve for the rest.
+struct ResolverTexts {
+  std::map<int, std::string> descriptions;
+  std::map<int, std::string> suggestions;
+};
+
+const ResolverTexts& resolverTexts() {
+  static const ResolverTexts kTexts = [] {
+    const Ref<NSBundle> bundle = NSBundle::bundleForClass(RVFStaticServer::classObject());
+    return ResolverTexts{
+        {{EAI_NONAME, bundle->localizedStringForKey("An error occurred while attempting to resolve "
+                                                    "the selected Quillmarsh Server.",
+                                                    kStringTable)}},
+        {{EAI_NONAME, bundle->localizedStringForKey("Please check your network connection, or "
+                                                    "select another server.",
+                                                    kStringTable)}}};
+  }();
+  return kTexts;
+}
+
+}  // namespace
+
+RVFServerAddressParts RVFSplitServerAddress(std::string_view address) noexcept {
+  const std::size_t bracket = address.find(']');
+  const std::size_t searchStart = bracket == std::string_view::npos ? 0 : bracket + 1;
+  const std::size_t colon = address.rfind(':');
+  if (colon == std::string_view::npos || colon < searchStart) return {address, kDefaultPort};
+  return {address.substr(0, colon), address.substr(colon + 1)};
+}
+
+Ref<RVFStaticServer> RVFStaticServer::staticServerWithAddress(std::string_view address) {
+  auto server = std::make_shared<RVFStaticServer>();
+  server->setServerAddress(std::string(address));
+  server->setServerId(newUUIDText());
+  return server;
+}
+
+Ref<RVFStaticServer> RVFStaticServer::initWithDataDictionary(const Ref<NSDictionary>& dictionary) {
+  auto server = std::make_shared<RVFStaticServer>();
+  if (!dictionary) return server;
+  server->setServerAddress(textOf(dictionary->objectForKey(kAddressKey)));
+  server->setServerDescription(textOf(dictionary->objectForKey(kDescriptionKey)));
+  server->setServerId(textOf(dictionary->objectForKey(kIdKey)));
+  return server;
+}
+
+Class RVFStaticServer::classObject() {
+  static const Class kClass =
+      ClassBuilder<RVFStaticServer>("RVFStaticServer", NSObject::classObject())
+          .property("serverAddress", "T@\"NSString\",C,N,V_serverAddress")
+          .property("serverDescription", "T@\"NSString\",C,N,V_serverDescription")
+          .property("serverId", "T@\"NSString\",C,N,V_serverId")
+          .property("completion", "T@?,C,N,V_completion")
+          .ivar<&RVFStaticServer::serverAddress_>("_serverAddress")
+          .ivar<&RVFStaticServer::serverDescription_>("_serverDescription")
+          .ivar<&RVFStaticServer::serverId_>("_serverId")
+          .ivar<&RVFStaticServer::completion_>("_completion")
+          .ivar<&RVFStaticServer::cancelResolving_>("cancelResolving")
+          .method<&RVFStaticServer::serverAddress>("serverAddress")
+          .method<&RVFStaticServer::setServerAddress>("setServerAddress:")
+          .method<&RVFStaticServer::serverDescription>("serverDescription")
+          .method<&RVFStaticServer::setServerDescription>("setServerDescription:")
+          .method<&RVFStaticServer::serverId>("serverId")
+          .method<&RVFStaticServer::setServerId>("setServerId:")
+          .method<&RVFStaticServer::displayName>("displayName")
+          .method<&RVFStaticServer::dataDictionary>("dataDictionary")
+          .method<&RVFStaticServer::stopResolving>("stopResolving")
+          .registered();
+  return kClass;
+}
+
+Class RVFStaticServer::isa() const {
+  return classObject();
+}
+
+void RVFStaticServer::setServerAddress(std::optional<std::string> address) {
+  serverAddress_ = std::move(address);
+}
+
+void RVFStaticServer::setServerDescription(std::optional<std::string> description) {
+  serverDescription_ = std::move(description);
+}
+
+void RVFStaticServer::setServerId(std::optional<std::string> serverId) {
+  serverId_ = std::move(serverId);
+}
+
+void RVFStaticServer::setCompletion(Completion completion) {
+  completion_ = std::move(completion);
+}
+
+void RVFStaticServer::setNameLookup(NameLookup lookup) {
+  nameLookup_ = std::move(lookup);
+}
+
+Ref<NSMutableDictionary> RVFStaticServer::dataDictionary() const {
+  auto record = NSMutableDictionary::dictionary();
+  store(serverAddress_, kAddressKey, *record);
+  store(serverDescription_, kDescriptionKey, *record);
+  store(serverId_, kIdKey, *record);
+  return record;
+}
+
+std::string RVFStaticServer::displayName() const {
+  if (serverDescription_ && !serverDescription_->empty()) return *serverDescription_;
+  return serverAddress_.value_or("");
+}
+
+bool RVFStaticServer::isEqual(const NSObject* other) const {
+  if (this == other) return true;
+  const auto* server = dynamic_cast<const RVFStaticServer*>(other);
+  return server && serverId_ && serverId_ == server->serverId_;
+}
+
+std::size_t RVFStaticServer::hash() const {
+  return serverId_ ? box(*serverId_)->hash() : 0;
+}
+
+void RVFStaticServer::resolveUsingCompletion(Completion completion) {
+  const auto self = refTo(this);
+  if (const Completion replaced = completion_) replaced(self, std::nullopt, nullptr, true);
+  setCompletion(std::move(completion));
+  cancelResolving_ = false;
+  const std::string address = serverAddress_.value_or("");
+  const RVFServerAddressParts parts = RVFSplitServerAddress(address);
+  RVF_performBlockInBackground(
+      self, [self, host = std::string(parts.host), port = std::string(parts.port)] {
+        self->resolveAddressForHost(host, port);
+      });
+}
+
+void RVFStaticServer::stopResolving() {
+  const auto self = refTo(this);
+  cancelResolving_ = true;
+  if (const Completion abandoned = completion_) {
+    abandoned(self, std::nullopt, nullptr, false);
+    setCompletion(nullptr);
+  }
+}
+
+void RVFStaticServer::resolveAddressForHost(std::string_view host, std::string_view andPort) {
+  const NameLookupResult found =
+      nameLookup_(std::string(withoutBrackets(host)), std::string(andPort));
+  Addresses addresses;
+  for (const NameLookupEntry& entry : found.entries) {
+    if (entry.family == AF_INET || entry.family == AF_INET6) addresses.push_back(entry.address);
+  }
+  Ref<NSError> error;
+  if (found.code != 0) {
+    error = netDBErrorForErrorCode(found.code);
+  } else if (addresses.empty()) {
+    error = netDBErrorForErrorCode(EAI_FAIL);
+  }
+  const auto self = refTo(this);
+  RVF_performBlockOnMainThread(
+      self, [self, addresses = std::move(addresses), error] { self->deliver(addresses, error); });
+}
+
+void RVFStaticServer::deliver(const Addresses& addresses, const Ref<NSError>& error) {
+  if (const Completion completion = completion_) {
+    completion(refTo(this), addresses, error, false);
+    setCompletion(nullptr);
+  }
+}
+
+Ref<NSError> RVFStaticServer::netDBErrorForErrorCode(std::int32_t code) {
+  const ResolverTexts& texts = resolverTexts();
+  const auto description = texts.descriptions.find(code);
+  auto userInfo = NSMutableDictionary::dictionary();
+  userInfo->setObject(
+      box(description == texts.descriptions.end() ? gai_strerror(code) : description->second),
+      NSLocalizedDescriptionKey);
+  if (const auto suggestion = texts.suggestions.find(code); suggestion != texts.suggestions.end()) {
+    userInfo->setObject(box(suggestion->second), NSLocalizedRecoverySuggestionErrorKey);
+  }
+  return NSError::errorWithDomain(RVFNetDBErrorDomain, code, userInfo->copy());
+}
+
+}  // namespace rvf

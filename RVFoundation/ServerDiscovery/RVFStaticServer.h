@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Platform/Export.h"
+#include "Platform/Network/NameLookup.h"
+#include "Platform/Runtime/NSObject.h"
+#include "Platform/Values/NSData.h"
+#include "Platform/Values/NSDictionary.h"
+#include "Platform/Values/NSError.h"
+#include "Platform/Values/NSMutableDictionary.h"
+
+namespace rvf {
+
+/// The domain of name resolution errors; their codes are those of `getaddrinfo`.
+inline constexpr std::string_view RVFNetDBErrorDomain = "kCFStreamErrorDomainNetDB";
+
+/// A hand-entered address, split.
+struct RVFServerAddressParts {
+  std::string_view host;  ///< keeps its square brackets
+  std::string_view port;  ///< a number or a service name, not checked; "9630" if none was given
+};
+
+/// Splits "host", "host:port", "[IPv6]" or "[IPv6]:port" at the last colon behind the first "]".
+/// The parts point into `address`. Linear in its length; any text has a result.
+RVF_EXPORT RVFServerAddressParts RVFSplitServerAddress(std::string_view address) noexcept;
+
+/// A server that the user entered by hand as an address text, with a description and a stable
+/// identity. Two are equal when their `serverId` texts are.
+///
+///     const auto server = RVFStaticServer::staticServerWithAddress("till.example:8080");
+///     server->resolveUsingCompletion([](const auto&, const auto& addresses, const auto& error,
+///                                       bool wasReplaced) { … });
+///
+/// Belongs to the main thread, whose run loop must run for a resolution to be delivered.
+class RVF_EXPORT RVFStaticServer : public NSObject {
+ public:
+  /// One data block a socket address, in the resolver's order.
+  using Addresses = std::vector<Ref<NSData>>;
+  /// The outcome of a resolution: the addresses found (empty beside an error, absent when it was
+  /// abandoned), or why there are none. `wasReplaced` says that a newer resolution took its place.
+  using Completion = std::function<void(const Ref<RVFStaticServer>& server,
+                                        const std::optional<Addresses>& addresses,
+                                        const Ref<NSError>& error, bool wasReplaced)>;
+
+  /// A new server with a fresh `serverId` and no description.
+  static Ref<RVFStaticServer> staticServerWithAddress(std::string_view address);
+  /// From a stored record, see `dataDictionary`. A missing entry leaves its property absent; an
+  /// entry that is no text is read by its description.
+  static Ref<RVFStaticServer> initWithDataDictionary(const Ref<NSDictionary>& dictionary);
+
+  static Class classObject();
+  Class isa() const override;
+
+  const std::optional<std::string>& serverAddress() const noexcept { return serverAddress_; }
+  void setServerAddress(std::optional<std::string> address);
+  const std::optional<std::string>& serverDescription() const noexcept {
+    return serverDescription_;
+  }
+  void setServerDescription(std::optional<std::string> description);
+  /// 36 characters, upper-case hexadecimal with hyphens (RFC 9562).
+  const std::optional<std::string>& serverId() const noexcept { return serverId_; }
+  void setServerId(std::optional<std::string> serverId);
+  /// The pending resolution's callback, or none.
+  const Completion& completion() const noexcept { return completion_; }
+  void setCompletion(Completion completion);
+
+  /// A new record with the entries "serverAddress", "serverDescription" and "serverId", each only
+  /// if its property is present.
+  Ref<NSMutableDictionary> dataDictionary() const;
+  /// The description, or the address where that is absent or empty, or "".
+  std::string displayName() const;
+
+  /// Looks `serverAddress` up in the background and returns at once. The completion runs later on
+  /// the main thread. A pending completion is called first, directly, as replaced. Whichever
+  /// look-up finishes first is delivered to the completion that is pending then.
+  void resolveUsingCompletion(Completion completion);
+  /// Abandons the pending resolution: its completion is called directly with neither addresses
+  /// nor error. The look-up itself runs to its end unnoticed.
+  void stopResolving();
+  /// The look-up itself; blocks, for background threads. Delivers on the main thread.
+  void resolveAddressForHost(std::string_view host, std::string_view andPort);
+
+  /// The error for a `getaddrinfo` code.
+  static Ref<NSError> netDBErrorForErrorCode(std::int32_t code);
+
+  /// How names are looked up: `lookUpName` unless replaced. Called on background threads.
+  void setNameLookup(NameLookup lookup);
+
+  bool isEqual(const NSObject* other) const override;
+  std::size_t hash() const override;
+
+ private:
+  void deliver(const Addresses& addresses, const Ref<NSError>& error);
+
+  std::optional<std::string> serverAddress_;
+  std::optional<std::string> serverDescription_;
+  std::optional<std::string> serverId_;
+  Completion completion_;
+  NameLookup nameLookup_ = &lookUpName;
+  bool cancelResolving_ = false;  // written only: dropping the completion is what cancels
+};
+
+}  // namespace rvf
