@@ -4,6 +4,8 @@
 #include <mutex>
 #include <utility>
 
+#include "Platform/Network/AutomaticBackend.h"
+#include "Platform/Network/AvahiDaemonBackend.h"
 #include "Platform/Network/AvahiEmbeddedBackend.h"
 
 namespace rvf {
@@ -59,7 +61,18 @@ std::shared_ptr<ServiceDiscoveryBackend> ServiceDiscovery::backendOfThisThread()
   return backend;
 }
 
-std::unique_ptr<ServiceDiscoveryBackend> ServiceDiscovery::makeBackend(ServiceDiscoveryChoice) {
+std::unique_ptr<ServiceDiscoveryBackend> ServiceDiscovery::makeBackend(
+    ServiceDiscoveryChoice choice) {
+  switch (choice) {
+    case ServiceDiscoveryChoice::automatic:
+      return std::make_unique<AutomaticBackend>(
+          [] { return makeBackend(ServiceDiscoveryChoice::daemon); },
+          [] { return makeBackend(ServiceDiscoveryChoice::embedded); });
+    case ServiceDiscoveryChoice::daemon:
+      return std::make_unique<AvahiDaemonBackend>();
+    case ServiceDiscoveryChoice::embedded:
+      break;
+  }
   return std::make_unique<AvahiEmbeddedBackend>();
 }
 

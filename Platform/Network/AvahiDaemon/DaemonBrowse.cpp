@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Platform/Network/AvahiDaemon/DaemonBrowse.h"
+
+#include <avahi-common/address.h>
+#include <sys/socket.h>
+
+#include <optional>
+#include <utility>
+
+#include "Platform/Network/AvahiDaemon/AvahiNames.h"
+#include "Platform/Network/ServiceNames.h"
+
+namespace rvf {
+namespace {
+
+constexpr const char* kLocalDomain = "local.";
+
+int familyOf(int protocol) {
+  if (protocol == AVAHI_PROTO_INET) return AF_INET;
+  return protocol == AVAHI_PROTO_INET6 ? AF_INET6 : AF_UNSPEC;
+}
+
+struct ServiceItem {
+  ServiceIdentity identity;
+  ServiceLink link;
+};
+
+/// The type is the one that was asked for, because what the network shows may differ in case; of a
+/// subtype it is the type itself.
+std::optional<ServiceItem> serviceItemFrom(sd_bus_message& item, const std::string& type) {
+  int interfaceIndex = 0;
+  int protocol = 0;
+  const char* name = nullptr;
+  const char* seenType = nullptr;
+  const char* domain = nullptr;
+  if (sd_bus_message_read(&item, "iisss", &interfaceIndex, &protocol, &name, &seenType, &domain) <
+      0) {
+    return std::nullopt;
+  }
+  const bool isSubtype = type.find("._sub.") != std::string::npos;
+  return ServiceItem{{name, isSubtype ? withFinalDot(seenType) : type, withFinalDot(domain)},
+                     {interfaceIndex, familyOf(protocol)}};
+}
+
+}  // namespace
+
+DaemonBrowse::DaemonBrowse(const std::string& type, const std::string& domain, BrowseEvents events)
+    : type_(withFinalDot(type)), domain_(withFinalDot(domain)), events_(std::move(events)) {}
+
+bool DaemonBrowse::isAskable() const {
+  return isSendable(type_) && isServiceType(type_) && isDomain(domain_);
+}
+
+void DaemonBrowse::begin() {
+  browseDomain(domain_.empty() ? kLocalDomain : domain_);
+  if (!domain_.empty()) return;
+  DaemonBrowser::Events events;  // without `failed`: the local domain is browsed all the same
+  events.added = whileAlive([this](sd_bus_message& item) { domainAdded(item); });
+  domains_ = DaemonBrowser::ofDomains(daemon(), std::move(events));
+}
+
+void DaemonBrowse::drop() {
+  domains_.reset();
+  services_.clear();
+}
+
+void DaemonBrowse::interrupted() {
+  if (events_.interrupted) events_.interrupted();
+}
+
+void DaemonBrowse::reportFailure(NSNetServicesError error) {
+  if (events_.failed) events_.failed(error);
+}
+
+void DaemonBrowse::browseDomain(const std::string& domain) {
+  DaemonBrowser::Events events;
+  events.added = whileAlive([this](sd_bus_message& item) { itemAdded(item); });
+  events.removed = whileAlive([this](sd_bus_message& item) { itemRemoved(item); });
+  if (services_.empty()) {  // a domain that comes later neither settles nor fails the search
+    events.settled = whileAlive([this] {
+      if (events_.settled) events_.settled();
+    });
+    events.failed = whileAlive([this](NSNetServicesError error) { fail(error); });
+  }
+  services_[domain] =
+      DaemonBrowser::ofServices(daemon(), type_, withoutFinalDot(domain), std::move(events));
+}
+
+void DaemonBrowse::domainAdded(sd_bus_message& item) {
+  int interfaceIndex = 0;
+  int protocol = 0;
+  const char* domain = nullptr;
+  if (sd_bus_message_read(&item, "iis", &interfaceIndex, &protocol, &domain) < 0) return;
+  const std::string found = withFinalDot(domain);
+  if (!found.empty() && !services_.contains(found)) browseDomain(found);
+}
+
+void DaemonBrowse::itemAdded(sd_bus_message& message) {
+  const auto item = serviceItemFrom(message, type_);
+  if (item && events_.found) events_.found(item->identity, item->link);
+}
+
+void DaemonBrowse::itemRemoved(sd_bus_message& message) {
+  const auto item = serviceItemFrom(message, type_);
+  if (item && events_.removed) events_.removed(item->identity, item->link);
+}
+
+}  // namespace rvf
