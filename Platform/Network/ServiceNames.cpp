@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Platform/Network/ServiceNames.h"
 
+#include <avahi-common/domain.h>
+
+#include <array>
 #include <charconv>
 #include <utility>
 
@@ -54,6 +57,15 @@ bool isServiceType(std::string_view text) noexcept {
     text.remove_prefix(dot + 1);
   }
   return false;
+}
+
+std::optional<std::string> fullServiceName(const ServiceIdentity& identity) {
+  std::array<char, AVAHI_DOMAIN_NAME_MAX> full{};
+  const char* const domain = identity.domain.empty() ? "local" : identity.domain.c_str();
+  const int error = avahi_service_name_join(full.data(), full.size(), identity.name.c_str(),
+                                            identity.type.c_str(), domain);
+  if (error < 0) return std::nullopt;
+  return std::string(full.data());
 }
 
 std::string_view cutToBytes(std::string_view text, std::size_t limit) noexcept {

@@ -2,10 +2,12 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 
 #include "Platform/Export.h"
+#include "Platform/Network/ServiceDiscoveryBackend.h"
 
 /// The texts that make up a DNS-SD registration (RFC 6763, 4.1).
 namespace rvf {
@@ -19,6 +21,10 @@ RVF_EXPORT std::string withFinalDot(std::string_view text);
 /// Whether the text is "_service._tcp" or "_service._udp", or a subtype "_x._sub._service._tcp",
 /// with or without the final dot.
 RVF_EXPORT bool isServiceType(std::string_view text) noexcept;
+
+/// The DNS name of a registration, "Till\0321._till._tcp.local": the name escaped, no final dot, an
+/// empty domain as "local". Absent if a part is malformed, or is not what Avahi takes.
+RVF_EXPORT std::optional<std::string> fullServiceName(const ServiceIdentity& identity);
 
 /// The first `limit` bytes at most, cut where a character ends.
 RVF_EXPORT std::string_view cutToBytes(std::string_view text, std::size_t limit) noexcept;

@@ -1,11 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Platform/Network/AvahiDaemon/AvahiNames.h"
 
-#include <avahi-common/address.h>
 #include <avahi-common/domain.h>
-#include <avahi-common/error.h>
-
-#include <array>
 
 #include "Platform/Network/ServiceNames.h"
 #include "Platform/Text/Text.h"
@@ -33,15 +29,7 @@ bool isDomain(std::string_view domain) noexcept {
 bool isAskable(const ServiceIdentity& identity) {
   return isInstanceName(identity.name) && isSendable(identity.type) &&
          isServiceType(identity.type) && isDomain(identity.domain) &&
-         !fullServiceName(identity).empty();
-}
-
-std::string fullServiceName(const ServiceIdentity& identity) {
-  std::array<char, AVAHI_DOMAIN_NAME_MAX> name{};
-  const char* const domain = identity.domain.empty() ? "local" : identity.domain.c_str();
-  const int result = avahi_service_name_join(name.data(), name.size(), identity.name.c_str(),
-                                             identity.type.c_str(), domain);
-  return result == AVAHI_OK ? name.data() : "";
+         fullServiceName(identity).has_value();
 }
 
 }  // namespace rvf

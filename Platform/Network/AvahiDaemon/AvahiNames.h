@@ -24,8 +24,4 @@ RVF_EXPORT bool isDomain(std::string_view domain) noexcept;
 /// Whether name, type and domain make a registration that the daemon can be asked for.
 RVF_EXPORT bool isAskable(const ServiceIdentity& identity);
 
-/// The DNS name of a registration, escaped, without the final dot ("Till\0321._x._tcp.local"); of
-/// an empty domain "local". Empty if they make none.
-RVF_EXPORT std::string fullServiceName(const ServiceIdentity& identity);
-
 }  // namespace rvf

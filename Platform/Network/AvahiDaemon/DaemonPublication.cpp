@@ -79,7 +79,7 @@ void DaemonPublication::hostAnswered(sd_bus_message& reply) {
 /// All in one go; the daemon answers in the same order, and the first error ends it.
 void DaemonPublication::groupMade() {
   const auto& identity = publication_.identity;
-  const std::string fullName = fullServiceName(identity);
+  const std::string fullName = fullServiceName(identity).value();
   const std::string typeName = withoutFinalDot(identity.type + identity.domain);
   addRecord("_services._dns-sd._udp." + withoutFinalDot(identity.domain), RecordType::ptr,
             recordOfPointer(typeName), kShared);
@@ -99,7 +99,7 @@ std::uint32_t DaemonPublication::uniqueFlags() const noexcept {
 void DaemonPublication::addTextRecord(std::uint32_t flags) {
   const RecordBytes nothing{std::byte{0}};
   const RecordBytes& data = publication_.txtRecord.empty() ? nothing : publication_.txtRecord;
-  addRecord(fullServiceName(publication_.identity), RecordType::txt, data, flags);
+  addRecord(fullServiceName(publication_.identity).value(), RecordType::txt, data, flags);
 }
 
 void DaemonPublication::addRecord(const std::string& name, RecordType type, const RecordBytes& data,

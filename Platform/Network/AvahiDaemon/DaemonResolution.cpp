@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "Platform/Network/AvahiDaemon/AvahiNames.h"
+#include "Platform/Network/ServiceNames.h"
 
 namespace rvf {
 
@@ -15,8 +16,8 @@ bool DaemonResolution::isAskable() const {
 }
 
 void DaemonResolution::begin() {
-  locations_ =
-      watchRecords(fullServiceName(identity_), RecordType::srv, &DaemonResolution::locationAdded);
+  locations_ = watchRecords(fullServiceName(identity_).value(), RecordType::srv,
+                            &DaemonResolution::locationAdded);
 }
 
 void DaemonResolution::drop() {

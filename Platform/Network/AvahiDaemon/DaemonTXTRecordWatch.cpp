@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "Platform/Network/AvahiDaemon/AvahiNames.h"
+#include "Platform/Network/ServiceNames.h"
 
 namespace rvf {
 
@@ -19,7 +20,7 @@ void DaemonTXTRecordWatch::begin() {
   DaemonBrowser::Events events;
   events.added = whileAlive([this](sd_bus_message& item) { recordAdded(item); });
   events.failed = whileAlive([this](NSNetServicesError error) { fail(error); });
-  records_ = DaemonBrowser::ofRecords(daemon(), fullServiceName(identity_), RecordType::txt,
+  records_ = DaemonBrowser::ofRecords(daemon(), fullServiceName(identity_).value(), RecordType::txt,
                                       std::move(events));
 }
 

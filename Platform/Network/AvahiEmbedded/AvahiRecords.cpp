@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Platform/Network/AvahiEmbedded/AvahiRecords.h"
 
-#include <avahi-common/domain.h>
 #include <avahi-common/error.h>
 
-#include <array>
 #include <new>
 
 namespace rvf {
@@ -20,14 +18,6 @@ AvahiHandle<AvahiKey> makeKey(const std::string& name, std::uint16_t type) {
   AvahiHandle<AvahiKey> key(avahi_key_new(name.c_str(), AVAHI_DNS_CLASS_IN, type));
   if (!key) throw std::bad_alloc();
   return key;
-}
-
-std::optional<std::string> fullServiceName(const ServiceIdentity& identity) {
-  std::array<char, AVAHI_DOMAIN_NAME_MAX> full{};
-  const int error = avahi_service_name_join(full.data(), full.size(), identity.name.c_str(),
-                                            identity.type.c_str(), identity.domain.c_str());
-  if (error < 0) return std::nullopt;
-  return std::string(full.data());
 }
 
 std::vector<std::byte> txtRecordData(const AvahiRecord& record) {

@@ -3,7 +3,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,9 +16,6 @@ namespace rvf {
 AvahiHandle<AvahiRecord> makeRecord(const std::string& name, std::uint16_t type,
                                     std::uint32_t lifetimeSeconds);
 AvahiHandle<AvahiKey> makeKey(const std::string& name, std::uint16_t type);
-
-/// "Name._type._tcp.local", with the name escaped; absent if a part is malformed.
-std::optional<std::string> fullServiceName(const ServiceIdentity& identity);
 
 /// The data of a TXT record as it stands in a packet. The library keeps the strings in reverse.
 std::vector<std::byte> txtRecordData(const AvahiRecord& record);

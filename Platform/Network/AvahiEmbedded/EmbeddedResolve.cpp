@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "Platform/Network/AvahiEmbedded/AvahiRecords.h"
+#include "Platform/Network/ServiceNames.h"
 
 namespace rvf {
 namespace {

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "Platform/Network/AvahiEmbedded/AvahiRecords.h"
+#include "Platform/Network/ServiceNames.h"
 
 namespace rvf {
 

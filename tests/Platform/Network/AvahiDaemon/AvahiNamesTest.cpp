@@ -45,11 +45,5 @@ TEST(AvahiNames, OnlyWhatCanBeSentIsAskedFor) {
   }
 }
 
-TEST(AvahiNames, FullNamesAreEscaped) {
-  EXPECT_EQ(fullServiceName({"Till", "_till._tcp.", "local."}), "Till._till._tcp.local");
-  EXPECT_EQ(fullServiceName({"Till", "_till._tcp.", ""}), "Till._till._tcp.local");
-  EXPECT_EQ(fullServiceName({"A.b\\c", "_till._tcp.", "local."}), "A\\.b\\\\c._till._tcp.local");
-}
-
 }  // namespace
 }  // namespace rvf
