@@ -79,6 +79,15 @@ std::vector<std::string_view> splitText(std::string_view text, std::string_view 
   return pieces;
 }
 
+std::string joinText(const std::vector<std::string_view>& pieces, std::string_view separator) {
+  std::string text;
+  for (std::size_t i = 0; i < pieces.size(); ++i) {
+    if (i > 0) text += separator;
+    text += pieces[i];
+  }
+  return text;
+}
+
 bool boolValueOfText(std::string_view text) noexcept {
   while (!text.empty()) {
     const Utf8Unit unit = firstUtf8Unit(text);

@@ -30,6 +30,10 @@ RVF_EXPORT int compareUtf16(std::string_view a, std::string_view b) noexcept;
 RVF_EXPORT std::vector<std::string_view> splitText(std::string_view text,
                                                    std::string_view separator);
 
+/// The pieces with the separator between them: the inverse of `splitText`.
+RVF_EXPORT std::string joinText(const std::vector<std::string_view>& pieces,
+                                std::string_view separator);
+
 /// The boolean reading of a text: leading white space, then an optional sign and any "0" digits
 /// are passed over; true if "Y", "y", "T", "t" or a digit "1" to "9" follows.
 RVF_EXPORT bool boolValueOfText(std::string_view text) noexcept;
