@@ -3,6 +3,7 @@
 
 #include <any>
 #include <functional>
+#include <string>
 #include <string_view>
 #include <type_traits>
 #include <utility>
@@ -11,29 +12,44 @@
 #include "Platform/Runtime/ClassRecord.h"
 #include "Platform/Runtime/IMP.h"
 #include "Platform/Runtime/Runtime.h"
+#include "Platform/Runtime/RuntimeName.h"
 
 namespace rvf {
 
 namespace detail {
 
-/// What an argument is stored as while a message travels: values, and text owned.
+/// Messages carry values: references are copied on the way, and views of a result become text.
 template <class T>
-using MessageArgument = std::remove_cvref_t<T>;
+using MessageArgument = std::decay_t<T>;
+template <class R>
+using MessageResult = std::conditional_t<std::is_same_v<std::decay_t<R>, std::string_view>,
+                                         std::string, std::decay_t<R>>;
+
+/// An argument that the member function could change would lose the change with the copy.
+template <class T>
+inline constexpr bool kIsMessageArgument =
+    !std::is_lvalue_reference_v<T> || std::is_const_v<std::remove_reference_t<T>>;
 
 template <auto Member>
 struct MemberTrampoline;
 
 template <class C, class R, class... Args, R (C::*Member)(Args...)>
 struct MemberTrampoline<Member> {
-  static R call(NSObject& self, SEL, MessageArgument<Args>... arguments) {
-    return std::invoke(Member, static_cast<C&>(self), std::move(arguments)...);
+  using Owner = C;
+  static_assert((kIsMessageArgument<Args> && ...));
+  static MessageResult<R> call(NSObject& self, SEL, MessageArgument<Args>... arguments) {
+    return static_cast<MessageResult<R>>(
+        std::invoke(Member, static_cast<C&>(self), std::forward<Args>(arguments)...));
   }
 };
 
 template <class C, class R, class... Args, R (C::*Member)(Args...) const>
 struct MemberTrampoline<Member> {
-  static R call(NSObject& self, SEL, MessageArgument<Args>... arguments) {
-    return std::invoke(Member, static_cast<const C&>(self), std::move(arguments)...);
+  using Owner = C;
+  static_assert((kIsMessageArgument<Args> && ...));
+  static MessageResult<R> call(NSObject& self, SEL, MessageArgument<Args>... arguments) {
+    return static_cast<MessageResult<R>>(
+        std::invoke(Member, static_cast<const C&>(self), std::forward<Args>(arguments)...));
   }
 };
 
@@ -42,6 +58,7 @@ struct MemberVariable;
 
 template <class C, class T, T C::*Member>
 struct MemberVariable<Member> {
+  using Owner = C;
   using Type = T;
   static std::any read(const NSObject& object) {
     return toAny(static_cast<const C&>(object).*Member);
@@ -53,7 +70,8 @@ struct MemberVariable<Member> {
 
 }  // namespace detail
 
-/// The implementation that calls a member function of the receiver.
+/// The implementation that calls a member function of the receiver. It goes into classes whose
+/// instances derive from the function's class, and into no others.
 template <auto Member>
 IMP memberImplementation() {
   return IMP(&detail::MemberTrampoline<Member>::call);
@@ -67,7 +85,7 @@ IMP memberImplementation() {
 ///                                       .ivar<&Person::count_>("_count")
 ///                                       .method<&Person::count>("count")
 ///                                       .method<&Person::setCount>("setCount:")
-///                                       .conformsTo("NSCopying")
+///                                       .conformsTo("Countable")
 ///                                       .registered();
 ///       return kClass;
 ///     }
@@ -77,40 +95,41 @@ template <class T>
 class ClassBuilder final {
  public:
   ClassBuilder(std::string_view name, Class superclass) {
-    description_.name = name.substr(0, name.find('\0'));
+    description_.name = runtimeName(name);
     description_.superclass = superclass;
   }
 
   /// A declared property with its attribute string (`T<encoding>` first, `V<ivar>` last).
   ClassBuilder& property(std::string_view name, std::string_view attributes) {
-    description_.properties.push_back({std::string(name), std::string(attributes)});
+    description_.properties.push_back(
+        {std::string(runtimeName(name)), std::string(runtimeName(attributes))});
     return *this;
   }
 
   /// An instance variable that is listed but cannot be reached by name.
   ClassBuilder& ivar(std::string_view name, std::string_view encoding) {
-    description_.ivars.push_back({std::string(name), std::string(encoding), nullptr, nullptr});
-    return *this;
+    return ivar({std::string(runtimeName(name)), std::string(encoding), nullptr, nullptr});
   }
 
   /// An instance variable backed by a member, encoded by the member's type.
   template <auto Member>
   ClassBuilder& ivar(std::string_view name) {
     using Variable = detail::MemberVariable<Member>;
-    description_.ivars.push_back({std::string(name), typeEncoding<typename Variable::Type>(),
-                                  &Variable::read, &Variable::write});
-    return *this;
+    static_assert(std::is_base_of_v<typename Variable::Owner, T>);
+    return ivar({std::string(runtimeName(name)), typeEncoding<typename Variable::Type>(),
+                 &Variable::read, &Variable::write});
   }
 
   /// A method answered by a member function.
   template <auto Member>
   ClassBuilder& method(std::string_view selector) {
+    static_assert(std::is_base_of_v<typename detail::MemberTrampoline<Member>::Owner, T>);
     return method(selector, memberImplementation<Member>());
   }
 
   /// A method answered by a function `R (*)(NSObject& self, SEL cmd, Args...)`.
   ClassBuilder& method(std::string_view selector, IMP implementation) {
-    description_.methods.push_back({SEL(selector), implementation, implementation.typeEncoding()});
+    description_.methods.push_back({SEL(selector), implementation});
     return *this;
   }
 
@@ -125,6 +144,12 @@ class ClassBuilder final {
 
  private:
   static_assert(std::is_base_of_v<NSObject, T>);
+
+  ClassBuilder& ivar(Ivar variable) {
+    description_.ivars.push_back(std::move(variable));
+    return *this;
+  }
+
   ClassRecord::Description description_;
 };
 

@@ -5,29 +5,54 @@
 #include <memory>
 #include <mutex>
 #include <string>
-#include <string_view>
+#include <utility>
 #include <vector>
 
+#include "Platform/Export.h"
 #include "Platform/Runtime/MethodTable.h"
 #include "Platform/Runtime/Runtime.h"
 
 namespace rvf {
 
-class RVF_EXPORT ProtocolRecord final {
+/// What the runtime keeps of one protocol. Used only under the lock of the runtime's names.
+class ProtocolRecord final {
  public:
-  ProtocolRecord(std::string_view name, std::vector<Protocol> extended);
+  explicit ProtocolRecord(std::string name) : name_(std::move(name)) {}
 
-  const std::string& name() const { return name_; }
+  const std::string& name() const noexcept { return name_; }
   bool conformsTo(Protocol other) const;
+  void extend(Protocol other) { extended_.push_back(other); }
 
  private:
   std::string name_;
   std::vector<Protocol> extended_;
 };
 
-/// What the runtime keeps of one class. Everything but the methods is fixed once the class is
-/// registered. Methods are read without a lock: a change publishes a new table, and the tables
-/// before it stay until the process ends, because a sender may be reading them.
+/// A value that many threads read without a lock while one at a time replaces it. Replaced values
+/// stay until the process ends, because a reader may be at them: made for what changes a few times.
+template <class T>
+class Published final {
+ public:
+  template <class... Parts>
+  explicit Published(Parts&&... parts) {
+    publish(std::forward<Parts>(parts)...);
+  }
+
+  const T& get() const noexcept { return *current_.load(std::memory_order_acquire); }
+  /// Only one thread at a time.
+  template <class... Parts>
+  void publish(Parts&&... parts) {
+    versions_.push_back(std::make_unique<const T>(std::forward<Parts>(parts)...));
+    current_.store(versions_.back().get(), std::memory_order_release);
+  }
+
+ private:
+  std::vector<std::unique_ptr<const T>> versions_;
+  std::atomic<const T*> current_{nullptr};
+};
+
+/// What the runtime keeps of one class. Name, superclass, variables and protocols are fixed once
+/// the class is registered; methods and properties may be added.
 class RVF_EXPORT ClassRecord final {
  public:
   struct Description {
@@ -41,26 +66,28 @@ class RVF_EXPORT ClassRecord final {
 
   explicit ClassRecord(Description description);
 
-  const Description& described() const { return description_; }
+  /// The class as it was registered.
+  const Description& described() const noexcept { return description_; }
+  /// All properties of this very class.
+  const std::vector<Property>& properties() const noexcept { return properties_.get(); }
+  /// All methods of this very class, those added last first.
+  const std::vector<Method>& methods() const noexcept { return methods_.get().list(); }
 
   /// The method of this very class, or null.
-  const Method* ownMethod(SEL selector) const {
-    return methods_.load(std::memory_order_acquire)->find(selector);
-  }
+  const Method* ownMethod(SEL selector) const noexcept { return methods_.get().find(selector); }
   /// The method that an instance runs, from this class or the nearest ancestor, or null.
-  const Method* method(SEL selector) const;
-  std::vector<Method> methodList() const;
+  const Method* method(SEL selector) const noexcept;
 
+  /// False if this very class has it already.
   bool addMethod(const Method& method);
-  void prependMethods(const std::vector<Method>& methods);
+  bool addProperty(const Property& property);
+  void prependMethods(std::vector<Method> methods);
 
  private:
-  void publish(std::vector<Method> methods);
-
   const Description description_;
-  mutable std::mutex mutex_;  // of changes
-  std::vector<std::unique_ptr<const MethodTable>> tables_;
-  std::atomic<const MethodTable*> methods_{nullptr};
+  std::mutex mutex_;  // of changes
+  Published<MethodTable> methods_;
+  Published<std::vector<Property>> properties_;
 };
 
 /// Makes a class known under its name. Raises `NSInvalidArgumentException` if the name is taken.

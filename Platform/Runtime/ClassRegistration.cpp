@@ -7,6 +7,7 @@ namespace rvf {
 namespace {
 
 constinit std::atomic<const ClassRegistration*> firstRegistration{nullptr};
+constinit std::atomic<const ClassRegistration*> firstDescribed{nullptr};
 
 }  // namespace
 
@@ -17,9 +18,13 @@ ClassRegistration::ClassRegistration(Class (*classObject)()) noexcept
 }
 
 void ClassRegistration::describeAll() {
-  const ClassRegistration* registration = firstRegistration.load(std::memory_order_acquire);
-  for (; registration; registration = registration->next_)
+  // Registrations are only put in front, so those from `done` on are described already. It is read
+  // first: read second, it might stand before `first`.
+  const ClassRegistration* const done = firstDescribed.load(std::memory_order_acquire);
+  const ClassRegistration* const first = firstRegistration.load(std::memory_order_acquire);
+  for (auto registration = first; registration != done; registration = registration->next_)
     registration->classObject_();
+  if (first != done) firstDescribed.store(first, std::memory_order_release);
 }
 
 }  // namespace rvf

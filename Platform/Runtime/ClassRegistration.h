@@ -12,7 +12,8 @@ namespace rvf {
 ///     const ClassRegistration kRegistration(&Person::classObject);
 ///
 /// At load it only links itself into a list; the class is described when it is first used or
-/// when a class is looked up by name.
+/// when a class is looked up by name. So `classObject()` must look no class up by name itself, and
+/// a library that has classes is never unloaded.
 class RVF_EXPORT ClassRegistration final {
  public:
   explicit ClassRegistration(Class (*classObject)()) noexcept;

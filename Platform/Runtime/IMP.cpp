@@ -9,18 +9,21 @@ std::string IMP::typeEncoding() const {
   return type_ ? type_->encoding() : std::string();
 }
 
-const std::any& IMP::argumentAt(std::span<const std::any> arguments, std::size_t index) {
-  static const std::any kUnset;
-  return index < arguments.size() ? arguments[index] : kUnset;
-}
-
 std::any IMP::callWithArguments(NSObject& self, SEL selector,
                                 std::span<const std::any> arguments) const {
   if (!type_) {
     NSException::raise(NSInvalidArgumentException,
                        "call of a null implementation for " + NSStringFromSelector(selector));
   }
-  return type_->caller(function_, self, selector, arguments);
+  if (arguments.size() != type_->argumentCount) {
+    NSException::raise(NSInvalidArgumentException,
+                       std::to_string(arguments.size()) + " arguments for " +
+                           NSStringFromSelector(selector) + ", which takes " +
+                           std::to_string(type_->argumentCount));
+  }
+  const IMP running = *this;  // what holds this may change while it runs
+  const RunningMethod mark(running, self, selector);
+  return running.type_->caller(running.function_, self, selector, arguments);
 }
 
 }  // namespace rvf

@@ -3,7 +3,8 @@
 
 #include <any>
 #include <compare>
-#include <memory>
+#include <concepts>
+#include <cstddef>
 #include <span>
 #include <string>
 #include <type_traits>
@@ -12,6 +13,7 @@
 
 #include "Platform/Export.h"
 #include "Platform/Runtime/AnyArgument.h"
+#include "Platform/Runtime/RunningMethod.h"
 #include "Platform/Runtime/Selector.h"
 #include "Platform/Runtime/TypeEncoding.h"
 
@@ -21,22 +23,26 @@ namespace rvf {
 /// `R (*)(NSObject& self, SEL cmd, Args...)`, together with its type.
 ///
 /// A small value. It never calls a function through a signature that is not the function's own:
-/// calling it with other types converts where the encodings agree (a `Ref` to a base class, a
-/// `long` for a `long long`) and raises `NSInvalidArgumentException` where they do not.
+/// calling it with other types converts where the encodings agree (see `anyTo`) and raises
+/// `NSInvalidArgumentException` where they do not, or where the number of arguments differs.
 /// Two implementations are equal when they are the same function.
 class RVF_EXPORT IMP final {
  public:
   IMP() noexcept = default;
 
+  /// Arguments and result are values, because a message may have to keep them.
   template <class R, class... Args>
   IMP(R (*function)(NSObject&, SEL, Args...))
-  noexcept  // NOLINT: made from a function on purpose
-      : function_(reinterpret_cast<Function>(function)), type_(&Typed<R, Args...>::kType) {}
+  noexcept  // NOLINT: converts on purpose
+      : function_(reinterpret_cast<Function>(function)), type_(&Typed<R, Args...>::kType) {
+    static_assert((std::same_as<Args, std::decay_t<Args>> && ...));
+    static_assert(std::same_as<R, std::decay_t<R>> && !std::same_as<R, std::string_view>);
+  }
 
   explicit operator bool() const noexcept { return function_ != nullptr; }
   friend bool operator==(const IMP& a, const IMP& b) noexcept { return a.function_ == b.function_; }
   friend std::strong_ordering operator<=>(const IMP& a, const IMP& b) noexcept {
-    return a.address() <=> b.address();
+    return std::compare_three_way()(a.address(), b.address());
   }
 
   /// The function's address, an identity only.
@@ -44,20 +50,23 @@ class RVF_EXPORT IMP final {
   /// The method's type encoding, for example "v@:i"; empty for the null implementation.
   std::string typeEncoding() const;
 
-  /// Calls the function. Exact types cost one comparison more than the call itself.
+  /// Calls the function, marked as running. Exact types cost little more than the call itself.
   template <class R, class... Args>
   R call(NSObject& self, SEL selector, Args... arguments) const {
-    if (type_ &&
-        (type_->signature == &typeid(R(Args...)) || *type_->signature == typeid(R(Args...)))) {
-      return reinterpret_cast<R (*)(NSObject&, SEL, Args...)>(function_)(
-          self, selector, std::forward<Args>(arguments)...);
+    static_assert(!std::same_as<R, std::string_view>, "a view of a result has nothing to view");
+    if (!isOfType(typeid(R(Args...)))) {
+      const std::any boxed[sizeof...(Args) + 1] = {toAny(std::move(arguments))..., {}};
+      return anyTo<R>(callWithArguments(self, selector, {boxed, sizeof...(Args)}));
     }
-    const std::any boxed[sizeof...(Args) + 1] = {toAny(std::forward<Args>(arguments))..., {}};
-    return anyTo<R>(callWithArguments(self, selector, {boxed, sizeof...(Args)}));
+    const IMP running = *this;  // what holds this may change while it runs
+    const RunningMethod mark(running, self, selector);
+    return reinterpret_cast<R (*)(NSObject&, SEL, Args...)>(function_)(self, selector,
+                                                                       std::move(arguments)...);
   }
 
-  /// Calls the function with arguments that are known only at run time. A missing or empty
-  /// argument reads as zero. The result is empty for a function without one.
+  /// Calls the function, marked as running, with arguments that are known only at run time. An
+  /// empty argument reads as zero. The result is empty for a function without one. The arguments
+  /// must stay as they are until the function has returned.
   std::any callWithArguments(NSObject& self, SEL selector,
                              std::span<const std::any> arguments) const;
 
@@ -65,11 +74,15 @@ class RVF_EXPORT IMP final {
   using Function = void (*)();
   struct Type {
     const std::type_info* signature;
+    std::size_t argumentCount;
     std::string (*encoding)();
     std::any (*caller)(Function, NSObject&, SEL, std::span<const std::any>);
   };
 
-  static const std::any& argumentAt(std::span<const std::any> arguments, std::size_t index);
+  // Comparing addresses first: comparing type_infos compares names once there are two libraries.
+  bool isOfType(const std::type_info& signature) const noexcept {
+    return type_ && (type_->signature == &signature || *type_->signature == signature);
+  }
 
   template <class R, class... Args>
   struct Typed {
@@ -86,13 +99,13 @@ class RVF_EXPORT IMP final {
                                 std::index_sequence<I...>) {
       const auto typed = reinterpret_cast<R (*)(NSObject&, SEL, Args...)>(function);
       if constexpr (std::is_void_v<R>) {
-        typed(self, selector, anyTo<Args>(argumentAt(arguments, I))...);
+        typed(self, selector, anyTo<Args>(arguments[I])...);
         return {};
       } else {
-        return toAny(typed(self, selector, anyTo<Args>(argumentAt(arguments, I))...));
+        return toAny(typed(self, selector, anyTo<Args>(arguments[I])...));
       }
     }
-    static constexpr Type kType{&typeid(R(Args...)), &encoding, &caller};
+    static constexpr Type kType{&typeid(R(Args...)), sizeof...(Args), &encoding, &caller};
   };
 
   Function function_ = nullptr;

@@ -19,7 +19,6 @@ std::any forwardMessage(NSObject& receiver, SEL selector, std::vector<std::any> 
 
 std::any sendWithArguments(NSObject& receiver, SEL selector, std::span<const std::any> arguments) {
   if (const Method* method = receiver.isa()->method(selector)) {
-    const RunningMethod running(*method);
     return method->implementation.callWithArguments(receiver, selector, arguments);
   }
   return forwardMessage(receiver, selector, {arguments.begin(), arguments.end()});

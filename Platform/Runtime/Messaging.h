@@ -11,7 +11,6 @@
 #include "Platform/Runtime/ClassRecord.h"
 #include "Platform/Runtime/IMP.h"
 #include "Platform/Runtime/NSObject.h"
-#include "Platform/Runtime/RunningMethod.h"
 
 namespace rvf {
 
@@ -25,16 +24,16 @@ RVF_EXPORT std::any sendWithArguments(NSObject& receiver, SEL selector,
                                       std::span<const std::any> arguments);
 
 /// Sends a message: looks the method up along the receiver's class chain and calls it, or
-/// forwards it. `R` and the argument types are the method's own, or convert to them without loss
-/// (see `IMP`). Costs a look-up per class of the chain until one answers.
+/// forwards it. `R` and the argument types are the method's own, or convert to them (see `IMP`).
+/// Costs a look-up for each class of the chain until one answers. The receiver must outlive the
+/// call.
 ///
 ///     const int count = send<int>(person, SEL("count"));
 template <class R = void, class... Args>
 R send(NSObject& receiver, SEL selector, Args&&... arguments) {
   if (const Method* method = receiver.isa()->method(selector)) {
-    const RunningMethod running(*method);
-    return method->implementation.call<R, std::decay_t<Args>...>(receiver, selector,
-                                                                 std::forward<Args>(arguments)...);
+    return method->implementation.template call<R, std::decay_t<Args>...>(
+        receiver, selector, std::forward<Args>(arguments)...);
   }
   std::vector<std::any> boxed;
   boxed.reserve(sizeof...(Args));

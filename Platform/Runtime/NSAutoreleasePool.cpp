@@ -1,22 +1,25 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Platform/Runtime/NSAutoreleasePool.h"
 
+#include <algorithm>
 #include <vector>
 
 namespace rvf {
 namespace {
 
+// Destructors of other thread-local objects may still hand objects over when the scopes are gone.
+constinit thread_local bool scopesAreGone = false;
+
 struct ThreadScopes {
   std::vector<std::shared_ptr<void>> objects;  // of all scopes, outermost first
   std::size_t depth = 0;
-  bool alive = true;
 
   ThreadScopes() = default;
   ThreadScopes(const ThreadScopes&) = delete;
   ThreadScopes& operator=(const ThreadScopes&) = delete;
   ~ThreadScopes() {
     releaseDownTo(0);
-    alive = false;
+    scopesAreGone = true;
   }
 
   void releaseDownTo(std::size_t count) {
@@ -27,32 +30,33 @@ struct ThreadScopes {
   }
 };
 
-ThreadScopes& threadScopes() {
+ThreadScopes* threadScopes() {
+  if (scopesAreGone) return nullptr;
   thread_local ThreadScopes scopes;
-  return scopes;
+  return &scopes;
 }
 
 }  // namespace
 
 NSAutoreleasePool::NSAutoreleasePool() noexcept {
-  ThreadScopes& scopes = threadScopes();
-  depth_ = scopes.depth++;
-  base_ = depth_ == 0 ? 0 : scopes.objects.size();
+  ThreadScopes* const scopes = threadScopes();
+  if (!scopes) return;
+  depth_ = scopes->depth++;
+  base_ = depth_ == 0 ? 0 : scopes->objects.size();
 }
 
 NSAutoreleasePool::~NSAutoreleasePool() {
-  ThreadScopes& scopes = threadScopes();
-  scopes.releaseDownTo(base_);
-  scopes.depth = depth_;
+  drain();
+  if (ThreadScopes* const scopes = threadScopes()) scopes->depth = std::min(scopes->depth, depth_);
 }
 
 void NSAutoreleasePool::drain() {
-  threadScopes().releaseDownTo(base_);
+  if (ThreadScopes* const scopes = threadScopes()) scopes->releaseDownTo(base_);
 }
 
 void NSAutoreleasePool::addObject(std::shared_ptr<void> object) {
-  ThreadScopes& scopes = threadScopes();
-  if (object && scopes.alive) scopes.objects.push_back(std::move(object));
+  ThreadScopes* const scopes = threadScopes();
+  if (object && scopes) scopes->objects.push_back(std::move(object));
 }
 
 }  // namespace rvf

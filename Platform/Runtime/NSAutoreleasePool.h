@@ -15,9 +15,10 @@ namespace rvf {
 ///     NSAutoreleasePool pool;
 ///     autorelease(object);          // lives at least until `pool` is destroyed
 ///
-/// Scopes nest by thread, innermost first, and are made on the stack. The run loop opens one
+/// Scopes nest by thread, innermost first, and are made on the stack only. The run loop opens one
 /// around every callout. Outside every scope, an object lives until the next outermost scope of
-/// its thread ends, or the thread does. Objects are released newest first; what their destructors
+/// its thread ends, or the thread does; handed over by the last destructors of a thread, it lives
+/// no longer than its other references. Objects are released newest first; what their destructors
 /// hand over is released by the same drain. Opening and closing an empty scope costs nanoseconds.
 class RVF_EXPORT NSAutoreleasePool final {
  public:
@@ -26,15 +27,17 @@ class RVF_EXPORT NSAutoreleasePool final {
   NSAutoreleasePool(const NSAutoreleasePool&) = delete;
   NSAutoreleasePool& operator=(const NSAutoreleasePool&) = delete;
 
-  /// Releases what the scope holds now; the scope goes on.
+  static void* operator new(std::size_t) = delete;
+
+  /// Releases what the scope holds now, and what its inner scopes do; the scope goes on.
   void drain();
 
   /// Hands a reference to this thread's innermost scope.
   static void addObject(std::shared_ptr<void> object);
 
  private:
-  std::size_t base_;
-  std::size_t depth_;
+  std::size_t base_ = 0;   // how many objects the scopes around this one hold
+  std::size_t depth_ = 0;  // how many scopes are around this one
 };
 
 /// Keeps `object` alive until this thread's innermost release scope ends, and returns it.

@@ -4,7 +4,9 @@
 namespace rvf {
 
 NSException::NSException(std::string_view name, std::string_view reason)
-    : name_(name), reason_(reason), what_(name_ + ": " + reason_) {}
+    : texts_(std::make_shared<const Texts>(Texts{std::string(name), std::string(reason),
+                                                 std::string(name) + ": " + std::string(reason)})) {
+}
 
 NSException::~NSException() = default;
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <exception>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -12,25 +13,28 @@ namespace rvf {
 /// A programming error: a message to the wrong object, an index outside its range, a broken
 /// contract. Failures that can happen at run time in a correct program are `NSError`s instead.
 ///
-/// Thrown by value and caught by reference. `what()` is "NAME: REASON".
+/// Thrown by value and caught by reference; copying one never fails. `what()` is "NAME: REASON".
 class RVF_EXPORT NSException : public std::exception {
  public:
   NSException(std::string_view name, std::string_view reason);
   ~NSException() override;
-  NSException(const NSException&) = default;
-  NSException& operator=(const NSException&) = default;
+  NSException(const NSException&) noexcept = default;
+  NSException& operator=(const NSException&) noexcept = default;
 
-  const std::string& name() const noexcept { return name_; }
-  const std::string& reason() const noexcept { return reason_; }
-  const char* what() const noexcept override { return what_.c_str(); }
+  const std::string& name() const noexcept { return texts_->name; }
+  const std::string& reason() const noexcept { return texts_->reason; }
+  const char* what() const noexcept override { return texts_->what.c_str(); }
 
   /// Throws an exception with this name and reason.
   [[noreturn]] static void raise(std::string_view name, std::string_view reason);
 
  private:
-  std::string name_;
-  std::string reason_;
-  std::string what_;
+  struct Texts {
+    std::string name;
+    std::string reason;
+    std::string what;
+  };
+  std::shared_ptr<const Texts> texts_;
 };
 
 inline constexpr std::string_view NSRangeException = "NSRangeException";

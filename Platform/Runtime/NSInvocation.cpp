@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Platform/Runtime/NSInvocation.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <string>
 
 #include "Platform/Runtime/ClassBuilder.h"
@@ -10,6 +12,8 @@
 
 namespace rvf {
 namespace {
+
+constexpr std::ptrdiff_t kFirstArgument = 2;  // after receiver and selector
 
 const ClassRegistration kRegistration(&NSInvocation::classObject);
 
@@ -34,29 +38,41 @@ NSInvocation::NSInvocation(Ref<NSMethodSignature> signature) : signature_(std::m
   if (!signature_) {
     NSException::raise(NSInvalidArgumentException, "invocation without a method signature");
   }
-  arguments_.resize(signature_->numberOfArguments() - kFirstArgument);
+  values_.resize(signature_->numberOfArguments());
 }
 
 void NSInvocation::checkIndex(std::size_t index) const {
-  if (index < kFirstArgument || index >= signature_->numberOfArguments()) {
-    NSException::raise(NSInvalidArgumentException,
-                       "argument index " + std::to_string(index) + " out of bounds [2 .. " +
-                           std::to_string(signature_->numberOfArguments()) + ")");
-  }
+  if (index < values_.size()) return;
+  NSException::raise(NSInvalidArgumentException, "argument index " + std::to_string(index) +
+                                                     " beyond bounds [0 .. " +
+                                                     std::to_string(values_.size() - 1) + "]");
+}
+
+const std::any& NSInvocation::value(std::size_t index) const {
+  checkIndex(index);
+  return values_[index];
+}
+
+void NSInvocation::setValue(std::any value, std::size_t index) {
+  checkIndex(index);
+  values_[index] = std::move(value);
 }
 
 void NSInvocation::setArguments(std::vector<std::any> arguments) {
-  if (arguments.size() != arguments_.size()) {
-    NSException::raise(
-        NSInvalidArgumentException,
-        std::to_string(arguments.size()) + " arguments for " + NSStringFromSelector(selector_));
+  if (arguments.size() != values_.size() - kFirstArgument) {
+    NSException::raise(NSInvalidArgumentException,
+                       std::to_string(arguments.size()) + " arguments for " +
+                           NSStringFromSelector(selector()) + ", which takes " +
+                           std::to_string(values_.size() - kFirstArgument));
   }
-  arguments_ = std::move(arguments);
+  std::ranges::move(arguments, values_.begin() + kFirstArgument);
 }
 
 void NSInvocation::invoke() {
-  const id target = target_;  // survives what it does to this invocation
-  result_ = target ? sendWithArguments(*target, selector_, arguments_) : std::any();
+  const auto alive = weak_from_this().lock();
+  const id receiver = target();
+  const std::vector<std::any> arguments(values_.begin() + kFirstArgument, values_.end());
+  result_ = receiver ? sendWithArguments(*receiver, selector(), arguments) : std::any();
 }
 
 void NSInvocation::invokeWithTarget(id target) {

@@ -16,9 +16,10 @@ namespace rvf {
 
 /// A message as a value: receiver, selector, arguments and, once it was invoked, the result.
 ///
-/// Arguments are counted as in the signature: the first of the message's own has index 2. Unset
-/// arguments read as zero. An index past the signature raises `NSInvalidArgumentException`. Object
-/// arguments and the receiver are kept alive by the invocation.
+/// Arguments are counted as in the signature: 0 is the receiver, 1 the selector, 2 the first of the
+/// message's own. Unset arguments read as zero. An index past the signature raises
+/// `NSInvalidArgumentException`. Objects and text are kept alive by the invocation; what a pointer
+/// points to is not.
 class RVF_EXPORT NSInvocation final : public NSObject {
  public:
   /// Raises `NSInvalidArgumentException` if the signature is absent.
@@ -30,22 +31,22 @@ class RVF_EXPORT NSInvocation final : public NSObject {
   Class isa() const override;
 
   const Ref<NSMethodSignature>& methodSignature() const noexcept { return signature_; }
-  const id& target() const noexcept { return target_; }
-  void setTarget(id target) { target_ = std::move(target); }
-  SEL selector() const noexcept { return selector_; }
-  void setSelector(SEL selector) noexcept { selector_ = selector; }
+  id target() const { return argument<id>(0); }
+  void setTarget(id target) { setArgument(std::move(target), 0); }
+  SEL selector() const { return argument<SEL>(1); }
+  void setSelector(SEL selector) { setArgument(selector, 1); }
 
   template <class T>
   void setArgument(T&& value, std::size_t index) {
-    checkIndex(index);
-    arguments_[index - kFirstArgument] = toAny(std::forward<T>(value));
+    setValue(toAny(std::forward<T>(value)), index);
   }
-  /// Raises `NSInvalidArgumentException` if the argument is of another type.
+  /// Raises `NSInvalidArgumentException` if the argument is of another encoding. A view of text
+  /// lives until the argument is set again.
   template <class T>
   T argument(std::size_t index) const {
-    checkIndex(index);
-    return anyTo<T>(arguments_[index - kFirstArgument]);
+    return anyTo<T>(value(index));
   }
+  /// Zero before the message was sent or a result was set.
   template <class T>
   T returnValue() const {
     return anyTo<T>(result_);
@@ -55,22 +56,23 @@ class RVF_EXPORT NSInvocation final : public NSObject {
     result_ = toAny(std::forward<T>(value));
   }
 
-  /// Sends the message to the target; an absent target answers nothing.
+  /// Sends the message to the target and keeps the result; an absent target answers nothing. The
+  /// method may change or drop this invocation while it runs.
   void invoke();
   void invokeWithTarget(id target);
 
-  /// The form in which `send` passes arguments on. `arguments` has one entry an argument.
+  /// The form in which `send` passes arguments on, one entry for each of the message's own; raises
+  /// `NSInvalidArgumentException` for another number of them.
   void setArguments(std::vector<std::any> arguments);
   const std::any& result() const noexcept { return result_; }
 
  private:
-  static constexpr std::size_t kFirstArgument = 2;
+  const std::any& value(std::size_t index) const;
+  void setValue(std::any value, std::size_t index);
   void checkIndex(std::size_t index) const;
 
   Ref<NSMethodSignature> signature_;
-  id target_;
-  SEL selector_;
-  std::vector<std::any> arguments_;
+  std::vector<std::any> values_;  // of receiver, selector and arguments, empty where unset
   std::any result_;
 };
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Platform/Runtime/NSMethodSignature.h"
 
+#include <algorithm>
 #include <functional>
 #include <optional>
 
@@ -28,6 +29,10 @@ std::size_t lengthOfFirstType(std::string_view types) {
   const std::string_view rest = types.substr(pointers);
   if (rest.empty()) return 0;
   if (rest.starts_with("@?")) return pointers + 2;
+  if (rest.starts_with("@\"")) {
+    const std::size_t quote = rest.find('"', 2);
+    return quote == std::string_view::npos ? 0 : pointers + quote + 1;
+  }
   if (rest.front() == '{') {
     const std::size_t length = lengthOfBracketed(rest, '{', '}');
     return length ? pointers + length : 0;
@@ -66,6 +71,7 @@ Class NSMethodSignature::isa() const {
 Ref<NSMethodSignature> NSMethodSignature::signatureWithTypes(std::string_view types) {
   auto parts = splitTypes(types);
   if (!parts || parts->size() < 3 || (*parts)[1] != "@" || (*parts)[2] != ":") return nullptr;
+  if (std::find(parts->begin() + 1, parts->end(), "v") != parts->end()) return nullptr;
   auto signature = std::make_shared<NSMethodSignature>();
   signature->returnType_ = parts->front();
   signature->argumentTypes_.assign(parts->begin() + 1, parts->end());

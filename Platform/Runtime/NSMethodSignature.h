@@ -15,7 +15,8 @@ namespace rvf {
 /// first argument of the message's own. Immutable, so safe to share between threads.
 class RVF_EXPORT NSMethodSignature final : public NSObject {
  public:
-  /// From a type encoding such as "v@:i". Absent if the text is not one.
+  /// From a type encoding such as "v@:i" (see `typeEncoding`; `@"Class"` and `B` are read as well):
+  /// result, receiver, selector, then the message's own arguments. Absent if the text is not one.
   static Ref<NSMethodSignature> signatureWithTypes(std::string_view types);
 
   static Class classObject();

@@ -11,14 +11,31 @@
 #include "Platform/Runtime/Runtime.h"
 
 namespace rvf {
+namespace {
+
+Class superclassOf(NSObject& self, SEL) {
+  return class_getSuperclass(self.isa());
+}
+
+bool isEqualToObject(NSObject& self, SEL, id other) {
+  return self.isEqual(other.get());
+}
+
+}  // namespace
 
 NSObject::~NSObject() = default;
 
 Class NSObject::classObject() {
   static const Class kClass = ClassBuilder<NSObject>("NSObject", nullptr)
                                   .conformsTo("NSObject")
-                                  .method<&NSObject::description>("description")
+                                  .method<&NSObject::isa>("class")
+                                  .method("superclass", IMP(&superclassOf))
+                                  .method<&NSObject::isKindOfClass>("isKindOfClass:")
+                                  .method<&NSObject::isMemberOfClass>("isMemberOfClass:")
+                                  .method<&NSObject::respondsToSelector>("respondsToSelector:")
+                                  .method("isEqual:", IMP(&isEqualToObject))
                                   .method<&NSObject::hash>("hash")
+                                  .method<&NSObject::description>("description")
                                   .registered();
   return kClass;
 }

@@ -2,23 +2,12 @@
 #include "Platform/Runtime/RunningMethod.h"
 
 namespace rvf {
-namespace {
 
-constinit thread_local const RunningMethod* innermostMark = nullptr;
-
-}  // namespace
-
-RunningMethod::RunningMethod(const Method& method) noexcept
-    : method_(method), enclosing_(innermostMark) {
-  innermostMark = this;
-}
-
-RunningMethod::~RunningMethod() {
-  innermostMark = enclosing_;
-}
-
-const RunningMethod* RunningMethod::innermost() noexcept {
-  return innermostMark;
+const RunningMethod*& RunningMethod::threadsInnermost() noexcept {
+  // Read at every message: the initial-exec model makes that one load instead of a call.
+  [[gnu::tls_model("initial-exec")]] constinit thread_local const RunningMethod* innermost =
+      nullptr;
+  return innermost;
 }
 
 }  // namespace rvf

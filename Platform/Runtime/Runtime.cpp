@@ -2,14 +2,15 @@
 #include "Platform/Runtime/Runtime.h"
 
 #include <algorithm>
-#include <deque>
 #include <functional>
 #include <map>
+#include <memory>
 #include <mutex>
 
 #include "Platform/Runtime/ClassRecord.h"
 #include "Platform/Runtime/ClassRegistration.h"
 #include "Platform/Runtime/NSException.h"
+#include "Platform/Runtime/RuntimeName.h"
 
 namespace rvf {
 namespace {
@@ -17,7 +18,7 @@ namespace {
 struct NameTable {
   std::mutex mutex;
   std::map<std::string, Class, std::less<>> classes;
-  std::map<std::string, ProtocolRecord, std::less<>> protocols;
+  std::map<std::string, ProtocolRecord, std::less<>> protocols;  // guarded as a whole
 };
 
 NameTable& nameTable() {
@@ -28,30 +29,30 @@ NameTable& nameTable() {
 
 template <class List>
 auto findByName(const List& list, std::string_view name) {
-  const auto found =
-      std::ranges::find(list, name, [](const auto& item) { return std::string_view(item.name); });
+  const auto found = std::ranges::find(
+      list, runtimeName(name), [](const auto& item) { return std::string_view(item.name); });
   return found == list.end() ? nullptr : &*found;
 }
 
 }  // namespace
 
 Class registerClass(ClassRecord::Description description) {
+  auto record = std::make_unique<ClassRecord>(std::move(description));
   NameTable& table = nameTable();
   const std::lock_guard lock(table.mutex);
-  const auto [position, isNew] = table.classes.try_emplace(description.name, nullptr);
-  if (!isNew) {
+  const std::string name(class_getName(record.get()));
+  if (!table.classes.emplace(name, record.get()).second) {
     NSException::raise(NSInvalidArgumentException,
-                       "a class named " + description.name + " is registered already");
+                       "a class named " + name + " is registered already");
   }
-  position->second = new ClassRecord(std::move(description));  // lives as long as the process
-  return position->second;
+  return record.release();  // lives as long as the process
 }
 
 Class objc_getClass(std::string_view name) {
   ClassRegistration::describeAll();
   NameTable& table = nameTable();
   const std::lock_guard lock(table.mutex);
-  const auto found = table.classes.find(name);
+  const auto found = table.classes.find(runtimeName(name));
   return found == table.classes.end() ? nullptr : found->second;
 }
 
@@ -60,6 +61,7 @@ std::vector<Class> objc_copyClassList() {
   NameTable& table = nameTable();
   const std::lock_guard lock(table.mutex);
   std::vector<Class> classes;
+  classes.reserve(table.classes.size());
   for (const auto& [name, record] : table.classes)
     classes.push_back(record);
   return classes;
@@ -84,7 +86,7 @@ bool class_isSubclassOf(Class aClass, Class ancestor) {
 }
 
 std::vector<Property> class_copyPropertyList(Class aClass) {
-  return aClass ? aClass->described().properties : std::vector<Property>();
+  return aClass ? aClass->properties() : std::vector<Property>();
 }
 
 std::vector<Ivar> class_copyIvarList(Class aClass) {
@@ -93,7 +95,7 @@ std::vector<Ivar> class_copyIvarList(Class aClass) {
 
 const Property* class_getProperty(Class aClass, std::string_view name) {
   for (; aClass; aClass = class_getSuperclass(aClass)) {
-    if (const Property* found = findByName(aClass->described().properties, name)) return found;
+    if (const Property* found = findByName(aClass->properties(), name)) return found;
   }
   return nullptr;
 }
@@ -103,6 +105,11 @@ const Ivar* class_getInstanceVariable(Class aClass, std::string_view name) {
     if (const Ivar* found = findByName(aClass->described().ivars, name)) return found;
   }
   return nullptr;
+}
+
+bool class_addProperty(Class aClass, std::string_view name, std::string_view attributes) {
+  return aClass && aClass->addProperty(
+                       {std::string(runtimeName(name)), std::string(runtimeName(attributes))});
 }
 
 std::string_view property_getName(const Property& property) {
@@ -119,7 +126,14 @@ std::string_view ivar_getTypeEncoding(const Ivar& ivar) {
 }
 
 std::vector<Method> class_copyMethodList(Class aClass) {
-  return aClass ? aClass->methodList() : std::vector<Method>();
+  return aClass ? aClass->methods() : std::vector<Method>();
+}
+
+SEL method_getName(const Method& method) {
+  return method.selector;
+}
+IMP method_getImplementation(const Method& method) {
+  return method.implementation;
 }
 
 IMP class_getMethodImplementation(Class aClass, SEL selector) {
@@ -132,8 +146,7 @@ bool class_respondsToSelector(Class aClass, SEL selector) {
 }
 
 bool class_addMethod(Class aClass, SEL selector, IMP implementation) {
-  return aClass && selector && implementation &&
-         aClass->addMethod({selector, implementation, implementation.typeEncoding()});
+  return aClass && selector && implementation && aClass->addMethod({selector, implementation});
 }
 
 void class_addExtension(Class aClass, const std::vector<Method>& methods) {
@@ -143,13 +156,23 @@ void class_addExtension(Class aClass, const std::vector<Method>& methods) {
 Protocol objc_registerProtocol(std::string_view name, const std::vector<Protocol>& extended) {
   NameTable& table = nameTable();
   const std::lock_guard lock(table.mutex);
-  return &table.protocols.try_emplace(std::string(name), name, extended).first->second;
+  const std::string key(runtimeName(name));
+  ProtocolRecord& record = table.protocols.try_emplace(key, key).first->second;
+  for (Protocol other : extended) {
+    if (!other || record.conformsTo(other)) continue;
+    if (other->conformsTo(&record)) {
+      NSException::raise(NSInvalidArgumentException, "protocol " + key + " would extend itself");
+    }
+    record.extend(other);
+  }
+  return &record;
 }
 
 Protocol objc_getProtocol(std::string_view name) {
+  ClassRegistration::describeAll();
   NameTable& table = nameTable();
   const std::lock_guard lock(table.mutex);
-  const auto found = table.protocols.find(name);
+  const auto found = table.protocols.find(runtimeName(name));
   return found == table.protocols.end() ? nullptr : &found->second;
 }
 
@@ -158,11 +181,14 @@ std::string_view protocol_getName(Protocol protocol) {
 }
 
 bool protocol_conformsToProtocol(Protocol protocol, Protocol other) {
+  const std::lock_guard lock(nameTable().mutex);
   return protocol && other && protocol->conformsTo(other);
 }
 
 bool class_conformsToProtocol(Class aClass, Protocol protocol) {
-  for (; aClass && protocol; aClass = class_getSuperclass(aClass)) {
+  if (!protocol) return false;
+  const std::lock_guard lock(nameTable().mutex);
+  for (; aClass; aClass = class_getSuperclass(aClass)) {
     const auto& adopted = aClass->described().protocols;
     if (std::ranges::any_of(adopted, [protocol](Protocol p) { return p->conformsTo(protocol); })) {
       return true;

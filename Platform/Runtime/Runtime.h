@@ -14,8 +14,9 @@
 /// Questions to and changes of the classes at run time, under the platform's names. Where the
 /// platform hands out a list that the caller frees, these return a vector.
 ///
-/// All functions are thread-safe. Look-ups take no lock. A null class or protocol is accepted
-/// everywhere and answers empty, null or false.
+/// All functions are thread-safe; looking up a method, property or variable of a class takes no
+/// lock. A null class or protocol is accepted everywhere and answers empty, null or false. Names
+/// end at their first zero byte.
 namespace rvf {
 
 /// A property as a class declares it: its name and its attribute string ("Ti,N,V_count").
@@ -37,7 +38,6 @@ struct Ivar {
 struct Method {
   SEL selector;
   IMP implementation;
-  std::string types;
 };
 
 /// A protocol: a name and the protocols that it extends. Protocols live as long as the process.
@@ -49,7 +49,7 @@ using Protocol = const ProtocolRecord*;
 /// The class of this name, or null. Classes of the libraries are found whether or not they have
 /// been used yet.
 RVF_EXPORT Class objc_getClass(std::string_view name);
-/// Every class known by now, in no particular order.
+/// Every class known by now, by name.
 RVF_EXPORT std::vector<Class> objc_copyClassList();
 RVF_EXPORT Class object_getClass(const NSObject* object);
 RVF_EXPORT std::string_view class_getName(Class aClass);
@@ -57,10 +57,14 @@ RVF_EXPORT Class class_getSuperclass(Class aClass);
 /// Whether `aClass` is `ancestor` or a subclass of it, directly or not.
 RVF_EXPORT bool class_isSubclassOf(Class aClass, Class ancestor);
 
-// Properties and instance variables of exactly one class, in the order declared
+// Properties and instance variables
 
+/// Those of exactly one class, in the order declared.
 RVF_EXPORT std::vector<Property> class_copyPropertyList(Class aClass);
 RVF_EXPORT std::vector<Ivar> class_copyIvarList(Class aClass);
+/// Adds a property that an extension declares, after those that the class has. False, and no
+/// change, if this very class declares one of this name already.
+RVF_EXPORT bool class_addProperty(Class aClass, std::string_view name, std::string_view attributes);
 /// The property or variable of this name in the class or its nearest ancestor that has it.
 RVF_EXPORT const Property* class_getProperty(Class aClass, std::string_view name);
 RVF_EXPORT const Ivar* class_getInstanceVariable(Class aClass, std::string_view name);
@@ -74,6 +78,8 @@ RVF_EXPORT std::string_view ivar_getTypeEncoding(const Ivar& ivar);
 /// The methods of exactly one class: those of the newest extension first, then of older
 /// extensions, then the class's own. Of two with one selector the first is the one that runs.
 RVF_EXPORT std::vector<Method> class_copyMethodList(Class aClass);
+RVF_EXPORT SEL method_getName(const Method& method);
+RVF_EXPORT IMP method_getImplementation(const Method& method);
 /// The implementation that a message to an instance reaches, or the null one.
 RVF_EXPORT IMP class_getMethodImplementation(Class aClass, SEL selector);
 RVF_EXPORT bool class_respondsToSelector(Class aClass, SEL selector);
@@ -85,7 +91,8 @@ RVF_EXPORT void class_addExtension(Class aClass, const std::vector<Method>& meth
 
 // Protocols
 
-/// Makes a protocol known, or returns the one that already has this name.
+/// Makes a protocol known, or returns the one that already has this name. Protocols that it is not
+/// known to extend yet are added; extending each other raises `NSInvalidArgumentException`.
 RVF_EXPORT Protocol objc_registerProtocol(std::string_view name,
                                           const std::vector<Protocol>& extended = {});
 RVF_EXPORT Protocol objc_getProtocol(std::string_view name);

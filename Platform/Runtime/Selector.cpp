@@ -5,12 +5,21 @@
 #include <mutex>
 #include <unordered_set>
 
+#include "Platform/Runtime/RuntimeName.h"
+
 namespace rvf {
 namespace {
 
+struct NameHash {
+  using is_transparent = void;
+  std::size_t operator()(std::string_view name) const noexcept {
+    return std::hash<std::string_view>()(name);
+  }
+};
+
 struct SelectorTable {
   std::mutex mutex;
-  std::unordered_set<std::string> names;  // node-based: addresses stay
+  std::unordered_set<std::string, NameHash, std::equal_to<>> names;  // node-based: addresses stay
 };
 
 SelectorTable& selectorTable() {
@@ -19,17 +28,16 @@ SelectorTable& selectorTable() {
   return table;
 }
 
-std::string_view untilZeroByte(std::string_view text) {
-  return text.substr(0, text.find('\0'));
+const std::string* internedName(std::string_view name) {
+  SelectorTable& table = selectorTable();
+  const std::lock_guard lock(table.mutex);
+  const auto found = table.names.find(name);
+  return found == table.names.end() ? &*table.names.emplace(name).first : &*found;
 }
 
 }  // namespace
 
-SEL::SEL(std::string_view name) {
-  SelectorTable& table = selectorTable();
-  const std::lock_guard lock(table.mutex);
-  name_ = &*table.names.emplace(untilZeroByte(name)).first;
-}
+SEL::SEL(std::string_view name) : name_(internedName(runtimeName(name))) {}
 
 std::size_t SEL::argumentCount() const noexcept {
   return static_cast<std::size_t>(std::ranges::count(name(), ':'));

@@ -2,8 +2,9 @@
 #pragma once
 
 #include <concepts>
-#include <cstddef>
+#include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -24,9 +25,9 @@ template <class T>
 struct IsObjectReference<std::shared_ptr<T>> : std::true_type {};
 
 template <class T>
-struct IsOptionalText : std::false_type {};
-template <>
-struct IsOptionalText<std::optional<std::string>> : std::true_type {};
+struct IsWeakReference : std::false_type {};
+template <class T>
+struct IsWeakReference<std::weak_ptr<T>> : std::true_type {};
 
 template <class T>
 struct IsBlock : std::false_type {};
@@ -35,43 +36,53 @@ struct IsBlock<std::function<F>> : std::true_type {};
 
 }  // namespace detail
 
-/// True for the C++ forms of an object argument: a `Ref`, or text, which stands for an `NSString`.
+/// Text in its typed forms; it stands for an `NSString`.
 template <class T>
-concept ObjectArgument = detail::IsObjectReference<T>::value || detail::IsOptionalText<T>::value ||
-    std::same_as<T, std::string> || std::same_as<T, std::string_view>;
+concept TextArgument = std::same_as<T, std::string> || std::same_as<T, std::string_view> ||
+    std::same_as<T, std::optional<std::string>>;
 
-/// The one-letter integer encoding of a size: C++ `long` is 64 bits wide and encodes as `q`.
+/// True for the C++ forms of an object: a `Ref`, a weak reference, or text.
+template <class T>
+concept ObjectArgument =
+    detail::IsObjectReference<T>::value || detail::IsWeakReference<T>::value || TextArgument<T>;
+
+/// The integer type that stands for every integer, flag and enumeration of one encoding. A flag
+/// is a signed character; plain `char` is one too, whatever its sign on this machine.
+template <class T>
+struct EncodedInteger {
+  template <class Signed, class Unsigned>
+  using Chosen = std::conditional_t<std::is_signed_v<T>, Signed, Unsigned>;
+  using Type = std::conditional_t<
+      std::is_same_v<T, bool> || std::is_same_v<T, char>, std::int8_t,
+      std::conditional_t<
+          sizeof(T) == 1, Chosen<std::int8_t, std::uint8_t>,
+          std::conditional_t<sizeof(T) == 2, Chosen<std::int16_t, std::uint16_t>,
+                             std::conditional_t<sizeof(T) == 4, Chosen<std::int32_t, std::uint32_t>,
+                                                Chosen<std::int64_t, std::uint64_t>>>>>;
+};
+template <class T>
+requires std::is_enum_v<T>
+struct EncodedInteger<T> : EncodedInteger<std::underlying_type_t<T>> {
+};
+
+/// The letter of an integer type: C++ `long` is 64 bits wide and encodes as `q`.
 template <std::integral T>
 constexpr char integerEncoding() {
-  constexpr bool isSigned = std::is_signed_v<T>;
-  switch (sizeof(T)) {
-    case 1:
-      return isSigned ? 'c' : 'C';
-    case 2:
-      return isSigned ? 's' : 'S';
-    case 4:
-      return isSigned ? 'i' : 'I';
-    default:
-      return isSigned ? 'q' : 'Q';
-  }
+  constexpr std::string_view kLetters = std::is_signed_v<T> ? "csiq" : "CSIQ";
+  return kLetters[sizeof(T) == 1 ? 0 : sizeof(T) == 2 ? 1 : sizeof(T) == 4 ? 2 : 3];
 }
 
 /// The platform's type encoding of a C++ type: `c s S i I q Q f d`, `v`, `@` for objects and text,
-/// `@?` for blocks, `#` for classes, `:` for selectors, `^type` for pointers, `{?=}` for other
-/// records. A C++ `bool` is a flag and encodes as `c`.
+/// `@?` for blocks, `#` for classes, `:` for selectors, `*` for C strings, `^type` for pointers,
+/// `^?` for pointers to functions, `{?=}` for other records. A C++ `bool` is a flag and encodes
+/// as `c`, an enumeration as its integer type.
 template <class T>
 std::string typeEncoding() {
   using Plain = std::remove_cvref_t<T>;
   if constexpr (std::is_void_v<Plain>) {
     return "v";
-  } else if constexpr (std::same_as<Plain, bool>) {
-    return "c";
-  } else if constexpr (std::same_as<Plain, char>) {
-    return "c";
-  } else if constexpr (std::integral<Plain>) {
-    return std::string(1, integerEncoding<Plain>());
-  } else if constexpr (std::is_enum_v<Plain>) {
-    return typeEncoding<std::underlying_type_t<Plain>>();
+  } else if constexpr (std::integral<Plain> || std::is_enum_v<Plain>) {
+    return std::string(1, integerEncoding<typename EncodedInteger<Plain>::Type>());
   } else if constexpr (std::same_as<Plain, float>) {
     return "f";
   } else if constexpr (std::same_as<Plain, double>) {
@@ -80,7 +91,7 @@ std::string typeEncoding() {
     return ":";
   } else if constexpr (std::same_as<Plain, ClassRecord*>) {
     return "#";
-  } else if constexpr (std::same_as<Plain, const char*>) {
+  } else if constexpr (std::same_as<Plain, const char*> || std::same_as<Plain, char*>) {
     return "*";
   } else if constexpr (ObjectArgument<Plain>) {
     return "@";
@@ -88,6 +99,8 @@ std::string typeEncoding() {
     return "@?";
   } else if constexpr (std::is_pointer_v<Plain>) {
     return "^" + typeEncoding<std::remove_pointer_t<Plain>>();
+  } else if constexpr (std::is_function_v<Plain>) {
+    return "?";
   } else {
     return "{?=}";
   }

@@ -7,6 +7,7 @@
 
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
+#include "Platform/Runtime/NSCopying.h"
 #include "Platform/Runtime/NSException.h"
 
 namespace rvf {
@@ -33,6 +34,8 @@ Ref<NSArray> NSArray::arrayWithObjects(std::vector<id> objects) {
 Class NSArray::classObject() {
   static const Class kClass = ClassBuilder<NSArray>("NSArray", NSObject::classObject())
                                   .method<&NSArray::count>("count")
+                                  .method("copy", immutableCopyImplementation())
+                                  .conformsTo("NSCopying")
                                   .registered();
   return kClass;
 }

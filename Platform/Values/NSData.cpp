@@ -6,6 +6,7 @@
 
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
+#include "Platform/Runtime/NSCopying.h"
 
 namespace rvf {
 namespace {
@@ -31,6 +32,8 @@ Ref<NSData> NSData::dataWithBytes(std::string_view bytes) {
 Class NSData::classObject() {
   static const Class kClass = ClassBuilder<NSData>("NSData", NSObject::classObject())
                                   .method<&NSData::length>("length")
+                                  .method("copy", immutableCopyImplementation())
+                                  .conformsTo("NSCopying")
                                   .registered();
   return kClass;
 }

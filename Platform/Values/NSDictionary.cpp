@@ -6,6 +6,7 @@
 
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
+#include "Platform/Runtime/NSCopying.h"
 #include "Platform/Runtime/NSException.h"
 #include "Platform/Values/NSString.h"
 
@@ -36,6 +37,8 @@ Ref<NSDictionary> NSDictionary::dictionaryWithEntries(TextEntries entries) {
 Class NSDictionary::classObject() {
   static const Class kClass = ClassBuilder<NSDictionary>("NSDictionary", NSObject::classObject())
                                   .method<&NSDictionary::count>("count")
+                                  .method("copy", immutableCopyImplementation())
+                                  .conformsTo("NSCopying")
                                   .registered();
   return kClass;
 }

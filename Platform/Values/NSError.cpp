@@ -6,6 +6,7 @@
 
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
+#include "Platform/Runtime/NSCopying.h"
 #include "Platform/Values/NSString.h"
 
 namespace rvf {
@@ -32,6 +33,8 @@ Class NSError::classObject() {
                                   .method<&NSError::code>("code")
                                   .method<&NSError::userInfo>("userInfo")
                                   .method<&NSError::localizedDescription>("localizedDescription")
+                                  .method("copy", immutableCopyImplementation())
+                                  .conformsTo("NSCopying")
                                   .registered();
   return kClass;
 }

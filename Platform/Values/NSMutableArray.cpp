@@ -24,8 +24,9 @@ Ref<NSMutableArray> NSMutableArray::array() {
 }
 
 Class NSMutableArray::classObject() {
-  static const Class kClass =
-      ClassBuilder<NSMutableArray>("NSMutableArray", NSArray::classObject()).registered();
+  static const Class kClass = ClassBuilder<NSMutableArray>("NSMutableArray", NSArray::classObject())
+                                  .method<&NSMutableArray::copy>("copy")
+                                  .registered();
   return kClass;
 }
 

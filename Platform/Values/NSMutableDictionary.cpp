@@ -22,6 +22,7 @@ Ref<NSMutableDictionary> NSMutableDictionary::dictionary() {
 Class NSMutableDictionary::classObject() {
   static const Class kClass =
       ClassBuilder<NSMutableDictionary>("NSMutableDictionary", NSDictionary::classObject())
+          .method<&NSMutableDictionary::copy>("copy")
           .registered();
   return kClass;
 }

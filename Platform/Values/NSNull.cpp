@@ -3,6 +3,7 @@
 
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
+#include "Platform/Runtime/NSCopying.h"
 
 namespace rvf {
 namespace {
@@ -17,7 +18,10 @@ Ref<NSNull> NSNull::null() {
 }
 
 Class NSNull::classObject() {
-  static const Class kClass = ClassBuilder<NSNull>("NSNull", NSObject::classObject()).registered();
+  static const Class kClass = ClassBuilder<NSNull>("NSNull", NSObject::classObject())
+                                  .method("copy", immutableCopyImplementation())
+                                  .conformsTo("NSCopying")
+                                  .registered();
   return kClass;
 }
 

@@ -7,6 +7,7 @@
 
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
+#include "Platform/Runtime/NSCopying.h"
 #include "Platform/Runtime/NSException.h"
 
 namespace rvf {
@@ -30,6 +31,8 @@ Ref<NSSet> NSSet::setWithObjects(const std::vector<id>& objects) {
 Class NSSet::classObject() {
   static const Class kClass = ClassBuilder<NSSet>("NSSet", NSObject::classObject())
                                   .method<&NSSet::count>("count")
+                                  .method("copy", immutableCopyImplementation())
+                                  .conformsTo("NSCopying")
                                   .registered();
   return kClass;
 }

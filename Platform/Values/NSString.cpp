@@ -5,6 +5,7 @@
 
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
+#include "Platform/Runtime/NSCopying.h"
 #include "Platform/Text/Text.h"
 
 namespace rvf {
@@ -17,6 +18,8 @@ const ClassRegistration kRegistration(&NSString::classObject);
 Class NSString::classObject() {
   static const Class kClass = ClassBuilder<NSString>("NSString", NSObject::classObject())
                                   .method<&NSString::length>("length")
+                                  .method("copy", immutableCopyImplementation())
+                                  .conformsTo("NSCopying")
                                   .registered();
   return kClass;
 }
@@ -63,9 +66,18 @@ Ref<NSString> box(const std::optional<std::string>& text) {
   return text ? box(std::string_view(*text)) : nullptr;
 }
 
+id objectOfText(const std::string& text) {
+  return box(text);
+}
+
+const std::string* textOfObject(const NSObject& object) noexcept {
+  const auto* string = dynamic_cast<const NSString*>(&object);
+  return string ? &string->string() : nullptr;
+}
+
 std::optional<std::string> unboxText(const id& object) {
-  const auto string = std::dynamic_pointer_cast<const NSString>(object);
-  return string ? std::optional(string->string()) : std::nullopt;
+  const std::string* text = object ? textOfObject(*object) : nullptr;
+  return text ? std::optional(*text) : std::nullopt;
 }
 
 }  // namespace rvf

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -46,6 +47,8 @@ RVF_EXPORT Ref<NSString> box(std::string_view text);
 RVF_EXPORT Ref<NSString> box(const std::string& text);
 RVF_EXPORT Ref<NSString> box(const char* text);
 RVF_EXPORT Ref<NSString> box(const std::optional<std::string>& text);
+/// Numbers are boxed in NSNumber.h; without it a literal 0 would be taken for an absent text.
+Ref<NSString> box(std::nullptr_t) = delete;
 
 /// The text of an `NSString`; absent for an absent object or one of another class.
 RVF_EXPORT std::optional<std::string> unboxText(const id& object);

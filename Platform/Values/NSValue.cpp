@@ -6,6 +6,7 @@
 
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
+#include "Platform/Runtime/NSCopying.h"
 
 namespace rvf {
 namespace {
@@ -29,8 +30,10 @@ Ref<NSValue> NSValue::valueWithNonretainedObject(const id& object) {
 }
 
 Class NSValue::classObject() {
-  static const Class kClass =
-      ClassBuilder<NSValue>("NSValue", NSObject::classObject()).registered();
+  static const Class kClass = ClassBuilder<NSValue>("NSValue", NSObject::classObject())
+                                  .method("copy", immutableCopyImplementation())
+                                  .conformsTo("NSCopying")
+                                  .registered();
   return kClass;
 }
 

@@ -29,9 +29,7 @@ SEL performerSelector() {
 
 Class extendedClass() {
   static const Class kClass = [] {
-    const IMP implementation(&performBlock);
-    class_addExtension(NSObject::classObject(),
-                       {{performerSelector(), implementation, implementation.typeEncoding()}});
+    class_addExtension(NSObject::classObject(), {{performerSelector(), &performBlock}});
     return NSObject::classObject();
   }();
   return kClass;
