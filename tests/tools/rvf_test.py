@@ -1,0 +1,281 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
+"""Runs the rvf tool and the storefront example as processes in a network namespace of their own.
+
+Usage: rvf_test.py RVF STOREFRONT [unittest options]. Needs the right to make network namespaces.
+"""
+
+import gzip
+import http.server
+import json
+import os
+import pty
+import re
+import ssl
+import subprocess
+import sys
+import tempfile
+import threading
+import unittest
+
+RVF, STOREFRONT = sys.argv[1:3]
+PRODUCTS = 2000
+
+
+def enter_private_network():
+    """Moves this process into a fresh network namespace with only a loopback interface."""
+    if os.environ.get("RVF_TEST_NETWORK") == "private":
+        return
+    environment = dict(os.environ, RVF_TEST_NETWORK="private")
+    script = 'ip link set lo up && exec "$0" "$@"'
+    command = ["unshare", "--net", "--", "sh", "-c", script, sys.executable] + sys.argv
+    os.execvpe(command[0], command, environment)
+
+
+def rvf(*arguments, **options):
+    options.setdefault("timeout", 60)
+    return subprocess.run([RVF, *arguments], capture_output=True, text=True, **options)
+
+
+class Shop:
+    """A storefront process that is announced as NAME."""
+
+    def __init__(self, directory, name, *options):
+        self.authority = os.path.join(directory, name + ".pem")
+        self.process = subprocess.Popen(
+            [STOREFRONT, "--name", name, "--authority-file", self.authority,
+             "--products", str(PRODUCTS), *options],
+            stdout=subprocess.PIPE, text=True)
+        line = self.process.stdout.readline()
+        match = re.fullmatch(r'published "(.*)" on port (\d+)\n', line)
+        if not match:
+            raise RuntimeError(f"the storefront said {line!r}")
+        self.name, self.port = match[1], int(match[2])
+
+    def close(self):
+        self.process.terminate()
+        code = self.process.wait(timeout=20)
+        self.process.stdout.close()
+        return code
+
+
+class AnsweringServer:
+    """An HTTPS server that answers every POST with what the test sets."""
+
+    def __init__(self, directory):
+        self.status, self.body = 200, b""
+        self.certificate = os.path.join(directory, "own.pem")
+        key = os.path.join(directory, "own.key")
+        subprocess.run(
+            ["openssl", "req", "-x509", "-newkey", "ec", "-pkeyopt", "ec_paramgen_curve:P-256",
+             "-nodes", "-keyout", key, "-out", self.certificate, "-days", "1", "-subj", "/CN=own",
+             "-addext", "subjectAltName=IP:127.0.0.1"],
+            check=True, capture_output=True)
+        owner = self
+
+        class Handler(http.server.BaseHTTPRequestHandler):
+            def do_POST(self):
+                self.send_response(owner.status)
+                self.send_header("Content-Length", str(len(owner.body)))
+                self.end_headers()
+                self.wfile.write(owner.body)
+
+            def log_message(self, *arguments):
+                pass
+
+        self.server = http.server.ThreadingHTTPServer(("127.0.0.1", 9900), Handler)
+        context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
+        context.load_cert_chain(self.certificate, key)
+        self.server.socket = context.wrap_socket(self.server.socket, server_side=True)
+        threading.Thread(target=self.server.serve_forever, daemon=True).start()
+
+    def ask(self, body, status=200):
+        self.status, self.body = status, body
+        return rvf("connect", "--static", "127.0.0.1:9900", "--ca-file", self.certificate)
+
+    def close(self):
+        self.server.shutdown()
+        self.server.server_close()
+
+
+class ToolTest(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.directory = tempfile.TemporaryDirectory()
+        cls.shop = Shop(cls.directory.name, "Till Åäö")
+
+    @classmethod
+    def tearDownClass(cls):
+        code = cls.shop.close()
+        cls.directory.cleanup()
+        assert code == 0, f"the storefront ended with {code}"
+
+    def assert_whole_catalogue(self, report):
+        self.assertEqual(report["products"], PRODUCTS)
+        self.assertEqual(report["elements"], PRODUCTS * 3 + 1)
+        self.assertGreater(report["bytesInflated"], report["bytesReceived"])
+        self.assertGreater(report["bytesReceived"], 1000)
+
+    def test_connect_finds_the_server_and_reads_its_answer(self):
+        result = rvf("connect", "--ca-file", self.shop.authority, "--json")
+        self.assertEqual(result.returncode, 0, result.stderr)
+        self.assertEqual(result.stderr, "")
+        report = json.loads(result.stdout)
+        self.assertEqual(report["name"], "Till Åäö")
+        self.assertIs(report["demo"], True)
+        self.assertIn(f"127.0.0.1:{self.shop.port}", report["addresses"])
+        self.assert_whole_catalogue(report)
+
+    def test_connect_by_typed_address(self):
+        for host in ("127.0.0.1", "localhost", "[::1]"):
+            address = f"{host}:{self.shop.port}"
+            with self.subTest(address=address):
+                result = rvf("connect", "--static", address, "--ca-file", self.shop.authority,
+                             "--json")
+                self.assertEqual(result.returncode, 0, result.stderr)
+                report = json.loads(result.stdout)
+                self.assertIsNone(report["demo"])
+                self.assert_whole_catalogue(report)
+
+    def test_connect_prints_lines_for_people(self):
+        result = rvf("connect", "Till Åäö", "--ca-file", self.shop.authority)
+        self.assertEqual(result.returncode, 0, result.stderr)
+        self.assertIn("server       Till Åäö\n", result.stdout)
+        self.assertIn("demo         yes\n", result.stdout)
+        self.assertIn(f"products     {PRODUCTS}\n", result.stdout)
+        self.assertNotIn("\x1b", result.stdout + result.stderr)
+
+    def test_resolve_prints_addresses_and_urls(self):
+        result = rvf("resolve", "Till Åäö", "--json")
+        self.assertEqual(result.returncode, 0, result.stderr)
+        report = json.loads(result.stdout)
+        self.assertRegex(report["url"], r"^https://.*:\d+/$")
+        text = rvf("resolve", "Till Åäö")
+        self.assertIn(f"url          https://127.0.0.1:{self.shop.port}/\n", text.stdout)
+
+    def test_browse_lists_added_then_changed(self):
+        result = rvf("browse", "--json", "--for", "3")
+        self.assertEqual(result.returncode, 0, result.stderr)
+        events = [json.loads(line) for line in result.stdout.splitlines()]
+        own = [event for event in events if event["name"] == "Till Åäö"]
+        self.assertEqual([event["event"] for event in own], ["added", "changed"])
+        self.assertEqual([event["demo"] for event in own], [None, True])
+        self.assertEqual(own[0]["domain"], "local.")
+
+    def test_browse_sees_a_server_go(self):
+        browse = subprocess.Popen([RVF, "browse"], stdout=subprocess.PIPE, text=True)
+        guest = Shop(self.directory.name, "Guest", "--port", "9700")
+        for line in browse.stdout:
+            if line.startswith("= Guest"):
+                break
+        guest.close()
+        for line in browse.stdout:
+            if line.startswith("- Guest"):
+                break
+        browse.terminate()
+        self.assertEqual(browse.wait(timeout=20), 0)
+        browse.stdout.close()
+
+    def test_a_foreign_certificate_is_refused(self):
+        result = rvf("connect", "--static", f"127.0.0.1:{self.shop.port}")
+        self.assertEqual(result.returncode, 76)
+        self.assertRegex(result.stderr, r"^rvf: .*certificate")
+        self.assertEqual(result.stdout, "")
+
+    def test_exit_codes(self):
+        rows = [
+            (["connect", "Nobody", "--timeout", "1"], 68, 'no server "Nobody" was found'),
+            (["resolve", "Nobody", "--timeout", "1"], 68, 'no server "Nobody" was found'),
+            (["connect", "--static", ""], 68, "Quillmarsh Server"),
+            (["connect", "--static", "127.0.0.1:1"], 69, "connect"),
+            (["connect", "--static", f"127.0.0.1:{self.shop.port}", "--ca-file", "/nowhere"], 66,
+             "/nowhere"),
+            (["connect", "--static", f"127.0.0.1:{self.shop.port}", "--ca-file",
+              self.shop.authority, "--command", "nothing"], 76, "404"),
+            (["connect", "--timeout", "soon"], 64, "--timeout"),
+            (["--backend", "none", "browse"], 64, "--backend"),
+            (["dance"], 64, ""),
+            ([], 64, "subcommand"),
+            (["--help"], 0, ""),
+            (["--version"], 0, ""),
+        ]
+        for arguments, code, message in rows:
+            with self.subTest(arguments=arguments):
+                result = rvf(*arguments)
+                self.assertEqual(result.returncode, code, result.stderr)
+                self.assertIn(message, result.stderr)
+
+    def test_a_full_disk_is_an_output_error(self):
+        with open("/dev/full", "w", encoding="utf-8") as full:
+            result = subprocess.run([RVF, "resolve", "Till Åäö"], stdout=full, timeout=60,
+                                    check=False)
+        self.assertEqual(result.returncode, 74)
+
+    def test_colour_only_on_a_terminal_and_not_with_no_color(self):
+        for environment, coloured in (({}, True), ({"NO_COLOR": "1"}, False)):
+            with self.subTest(environment=environment):
+                output = self.browse_on_terminal(environment)
+                self.assertIn("Till Åäö", output)
+                self.assertEqual("\x1b[" in output, coloured)
+
+    def browse_on_terminal(self, environment):
+        controller, terminal = pty.openpty()
+        variables = {key: value for key, value in os.environ.items() if key != "NO_COLOR"}
+        process = subprocess.Popen([RVF, "browse", "--for", "2"], stdout=terminal,
+                                   env={**variables, **environment})
+        os.close(terminal)
+        output = b""
+        while True:
+            try:
+                piece = os.read(controller, 4096)
+            except OSError:
+                break
+            if not piece:
+                break
+            output += piece
+        process.wait(timeout=20)
+        os.close(controller)
+        return output.decode()
+
+
+class BadAnswerTest(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.directory = tempfile.TemporaryDirectory()
+        cls.server = AnsweringServer(cls.directory.name)
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.server.close()
+        cls.directory.cleanup()
+
+    def test_answers_that_cannot_be_read(self):
+        whole = gzip.compress(b"<a>" + b"<b/>" * 1000 + b"</a>")
+        rows = [
+            ("no gzip", b"<a/>", "RVFErrorDomain 307"),
+            ("truncated", whole[:-9], "RVFErrorDomain 309"),
+            ("corrupt", whole[:20] + b"\xff" * 8 + whole[28:], "RVFErrorDomain 307"),
+            ("empty", b"", "RVFErrorDomain 308"),
+            ("malformed", gzip.compress(b"<a><b></a>"), "LIBXMLErrorDomain 1"),
+            ("after the end", whole + b"more" * 5000, "RVFErrorDomain 3"),
+        ]
+        for name, body, message in rows:
+            with self.subTest(name):
+                result = self.server.ask(body)
+                self.assertEqual(result.returncode, 65, result.stderr)
+                self.assertIn(message, result.stderr)
+
+    def test_a_failed_command_is_a_protocol_error(self):
+        result = self.server.ask(b"no", status=500)
+        self.assertEqual(result.returncode, 76)
+        self.assertIn("500", result.stderr)
+
+    def test_a_good_answer_is_read(self):
+        result = self.server.ask(gzip.compress(b"<catalogue><product/></catalogue>"))
+        self.assertEqual(result.returncode, 0, result.stderr)
+        self.assertIn("products     1\n", result.stdout)
+
+
+if __name__ == "__main__":
+    enter_private_network()
+    unittest.main(argv=[sys.argv[0]] + sys.argv[3:], verbosity=2)

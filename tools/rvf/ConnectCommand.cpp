@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "tools/rvf/ConnectCommand.h"
+
+#include <chrono>
+#include <iostream>
+#include <memory>
+
+#include "Platform/Network/NSURL.h"
+#include "RVFoundation/ServerDiscovery/NSURL-RVFExtensions.h"
+#include "RVFoundation/ServerDiscovery/NSURLRequest-RVFExtensions.h"
+#include "tools/rvf/CommandTransfer.h"
+#include "tools/rvf/ConnectionReport.h"
+#include "tools/rvf/ServerFinder.h"
+#include "tools/terminal/ProgressLine.h"
+
+namespace rvf::tool {
+namespace {
+
+void complain(const std::string& message) {
+  std::cerr << "rvf: " << message << "\n";
+}
+
+std::string textOf(const Ref<NSError>& error) {
+  if (!error) return "the answer cannot be read";
+  return error->domain() + " " + std::to_string(error->code()) + ": " +
+         error->localizedDescription();
+}
+
+/// One answer from one address of a server.
+class Connection final {
+ public:
+  Connection(const ConnectOptions& options, const Ref<NSURL>& base)
+      : options_(options), url_(relativeURLWithFormat(base, "%@", options.command)) {}
+
+  TransferResult run() {
+    if (!url_) return {ExitCode::usage, "\"" + options_.command + "\" makes no URL"};
+    const auto request = NSURLRequest_RVFExtensions::RVF_postCommandWithURL(url_->absoluteURL());
+    Ref<NSError> error;
+    TransferResult result =
+        sendCommand(*request, options_.authorityFile, [this, &error](std::string_view bytes) {
+          const bool isFine = answer_.read(NSData::dataWithBytes(bytes), &error);
+          progress_.show(std::to_string(answer_.productCount()) + " products, " +
+                         std::to_string(answer_.bytesReceived()) + " bytes");
+          return isFine;
+        });
+    progress_.clear();
+    if (result.code == ExitCode::dataError) result.message = textOf(error);
+    if (result.code == ExitCode::ok && !answer_.complete(&error)) {
+      return {ExitCode::dataError, textOf(error)};
+    }
+    return result;
+  }
+
+  std::string url() const { return url_->absoluteString(); }
+  const AnswerReader& answer() const noexcept { return answer_; }
+
+ private:
+  const ConnectOptions& options_;
+  Ref<NSURL> url_;
+  AnswerReader answer_;
+  ProgressLine progress_;
+};
+
+/// Tries the server's addresses in order until one can be reached.
+ExitCode connectTo(const Finding& finding, const ConnectOptions& options) {
+  TransferResult result{ExitCode::unavailable, "the server has no address", false};
+  for (const Ref<NSData>& address : finding.addresses) {
+    const auto start = std::chrono::steady_clock::now();
+    Connection connection(options, NSURL_RVFExtensions::RVF_CURLURLWithAddressData(address));
+    result = connection.run();
+    if (result.code == ExitCode::ok) {
+      const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
+      print({finding, connection.url(), connection.answer(), time.count()}, options.asJson);
+      return std::cout.flush() ? ExitCode::ok : ExitCode::ioError;
+    }
+    if (!result.isUnreachable) break;
+  }
+  complain(result.message);
+  return result.code;
+}
+
+}  // namespace
+
+ExitCode connectCommand(const ConnectOptions& options) {
+  const FindResult found = options.staticAddress
+                               ? findStaticServer(*options.staticAddress, options.timeoutSeconds)
+                               : findServer(options.name, options.timeoutSeconds);
+  if (found.finding) return connectTo(*found.finding, options);
+  complain(found.message);
+  return found.code;
+}
+
+}  // namespace rvf::tool

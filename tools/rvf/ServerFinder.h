@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "Platform/RunLoop/NSRunLoop.h"
+#include "RVFoundation/ServerDiscovery/RVFQMServerService.h"
+#include "tools/rvf/Finding.h"
+#include "tools/terminal/ExitCode.h"
+
+namespace rvf::tool {
+
+/// A finding, or why there is none.
+struct FindResult {
+  std::optional<Finding> finding;
+  ExitCode code = ExitCode::ok;
+  std::string message;
+};
+
+/// Browses until a server of this name (any, if empty) has told its demo flag, then resolves it.
+/// Runs the main run loop meanwhile; SIGINT and SIGTERM end it.
+FindResult findServer(const std::string& name, double timeoutSeconds);
+
+/// Looks a hand-entered address up.
+FindResult findStaticServer(const std::string& address, double timeoutSeconds);
+
+}  // namespace rvf::tool

@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The command-line tool: the library's operations for people and scripts.
+
+#include <curl/curl.h>
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+#include "Platform/Network/ServiceDiscovery.h"
+#include "tools/rvf/BrowseCommand.h"
+#include "tools/rvf/ConnectCommand.h"
+#include "tools/rvf/ResolveCommand.h"
+#include "tools/terminal/DiscoveryOption.h"
+#include "tools/terminal/ExitCode.h"
+
+namespace {
+
+using rvf::tool::BrowseOptions;
+using rvf::tool::ConnectOptions;
+
+constexpr const char* kFooter =
+    "Exit codes: 0 done, 64 wrong usage, 65 the answer is no well-formed gzip XML, 66 a named "
+    "file\n"
+    "cannot be read, 68 no such server, 69 discovery or server unavailable, 70 internal error,\n"
+    "74 output failed, 75 out of time, 76 TLS or HTTP failed.";
+
+/// https://no-color.org: any value that is not empty switches colour off.
+bool wantsColour() {
+  const char* noColour = std::getenv("NO_COLOR");  // NOLINT(concurrency-mt-unsafe): one thread yet
+  return isatty(STDOUT_FILENO) == 1 && (!noColour || std::string_view(noColour).empty());
+}
+
+void addBrowse(CLI::App& app, BrowseOptions& options, ExitCode& result) {
+  auto* command =
+      app.add_subcommand("browse", "List the servers of the network as they come and go");
+  command->add_flag("--json", options.asJson, "One JSON object a line");
+  command->add_option("--for", options.seconds, "Stop after this many seconds")
+      ->check(CLI::NonNegativeNumber);
+  command->callback([&] { result = rvf::tool::browseCommand(options); });
+}
+
+void addResolve(CLI::App& app, ConnectOptions& options, ExitCode& result) {
+  auto* command = app.add_subcommand("resolve", "Find one server and print its addresses");
+  command->add_option("NAME", options.name, "The server's name")->required();
+  command->add_flag("--json", options.asJson, "Print a JSON object");
+  command->add_option("--timeout", options.timeoutSeconds, "Seconds")
+      ->check(CLI::PositiveNumber)
+      ->capture_default_str();
+  command->callback([&] {
+    result = rvf::tool::resolveCommand(options.name, options.timeoutSeconds, options.asJson);
+  });
+}
+
+void addConnect(CLI::App& app, ConnectOptions& options, ExitCode& result) {
+  auto* command =
+      app.add_subcommand("connect", "Find a server, send it a command and read its answer");
+  auto* name = command->add_option("NAME", options.name, "The server's name; default: the first");
+  command
+      ->add_option("--static", options.staticAddress, "A hand-entered address instead of browsing")
+      ->excludes(name);
+  command->add_option("--command", options.command, "The command's path")->capture_default_str();
+  command->add_option("--ca-file", options.authorityFile,
+                      "Certificate authority to verify against (PEM); default: the system's");
+  command->add_option("--timeout", options.timeoutSeconds, "Seconds to find the server")
+      ->check(CLI::PositiveNumber)
+      ->capture_default_str();
+  command->add_flag("--json", options.asJson, "Print a JSON object");
+  command->callback([&] { result = rvf::tool::connectCommand(options); });
+}
+
+ExitCode run(int argc, char** argv) {
+  ExitCode result = ExitCode::ok;
+  BrowseOptions browse;
+  browse.inColour = wantsColour();
+  ConnectOptions resolve;
+  ConnectOptions connect;
+  CLI::App app("Tools of the RVFoundation library");
+  app.require_subcommand(1);
+  app.footer(kFooter);
+  app.set_version_flag("--version", RVF_TOOL_VERSION);
+  app.add_option_function<rvf::ServiceDiscoveryChoice>(
+         "--backend", [](const auto& choice) { rvf::ServiceDiscovery::setChoice(choice); },
+         "Discovery: automatic, daemon or embedded")
+      ->transform(CLI::CheckedTransformer(discoveryChoices()))
+      ->trigger_on_parse();
+  addBrowse(app, browse, result);
+  addResolve(app, resolve, result);
+  addConnect(app, connect, result);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? ExitCode::ok : ExitCode::usage;
+  }
+  return result;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  ExitCode result = ExitCode::software;
+  curl_global_init(CURL_GLOBAL_DEFAULT);
+  try {
+    result = run(argc, argv);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "rvf: %s\n", error.what());
+  }
+  curl_global_cleanup();
+  return static_cast<int>(result);
+}
