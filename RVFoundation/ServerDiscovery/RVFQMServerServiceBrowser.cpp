@@ -14,7 +14,7 @@ namespace {
 const ClassRegistration kRegistration(&RVFQMServerServiceBrowser::classObject);
 
 constexpr std::string_view kDemoKey = "demo";
-constexpr std::string_view kDefaultDomains = "";
+constexpr std::string_view kDefaultDomains;
 
 }  // namespace
 

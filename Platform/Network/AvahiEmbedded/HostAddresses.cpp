@@ -57,7 +57,7 @@ std::set<HostAddress> hostAddresses() {
   ifaddrs* list = nullptr;
   if (::getifaddrs(&list) != 0) return all;
   for (const ifaddrs* entry = list; entry; entry = entry->ifa_next) {
-    if (auto address = hostAddress(*entry)) all.insert(std::move(*address));
+    if (auto address = hostAddress(*entry)) all.insert(*address);
   }
   ::freeifaddrs(list);
   std::set<HostAddress> offered;
