@@ -150,6 +150,7 @@ void NetworkHost::endBus(int signal) {
   bus_->kill(signal);
   bus_->wait();
   bus_.reset();
+  if (daemon_) endDaemon(SIGKILL);  // it would end by itself, but not always at once
 }
 
 }  // namespace rvf::network

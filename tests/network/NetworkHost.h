@@ -31,11 +31,17 @@ class NetworkHost {
   void setLink(const std::string& name, bool isUp);
   int interfaceIndex(const std::string& link) const;
 
-  /// Starts bus and daemon, and returns when the daemon answers.
+  /// Starts a bus that nobody is on.
+  void startBus();
+  /// Starts the daemon, and the bus if there is none, and returns when the daemon answers.
   void startDaemon();
   /// Ends the daemon with this signal; its bus stays.
   void endDaemon(int signal);
+  /// Ends the bus, and with it the daemon.
   void endBus(int signal);
+  /// Sends a signal that does not end it, `SIGSTOP` or `SIGCONT`.
+  void signalDaemon(int signal) { daemon_->kill(signal); }
+  void signalBus(int signal) { bus_->kill(signal); }
   bool hasDaemon() const { return daemon_ != nullptr; }
 
   /// The arguments of a program, as needed to run it inside the host, and its environment there.
@@ -44,7 +50,6 @@ class NetworkHost {
 
  private:
   void configureLink(int subnet, int side);
-  void startBus();
   std::filesystem::path file(const std::string& name) const { return folder_ / name; }
 
   std::string name_;

@@ -1,0 +1,190 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// What becomes of searches and publications while the Avahi daemon or its bus goes, hangs and
+// comes back. The program that uses them does nothing about it.
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <functional>
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "tests/network/TwoHosts.h"
+
+namespace rvf::network {
+namespace {
+
+using std::chrono::steady_clock;
+
+constexpr const char* kType = "_rvf-test._tcp";
+
+enum class Loss { terminated, killed, busEnded };
+
+std::string nameOfLoss(const testing::TestParamInfo<Loss>& info) {
+  switch (info.param) {
+    case Loss::terminated:
+      return "DaemonTerminated";
+    case Loss::killed:
+      return "DaemonKilled";
+    case Loss::busEnded:
+      return "BusEnded";
+  }
+  return "Unknown";
+}
+
+void lose(NetworkHost& host, Loss loss) {
+  switch (loss) {
+    case Loss::terminated:
+      return host.endDaemon(SIGTERM);
+    case Loss::killed:
+      return host.endDaemon(SIGKILL);
+    case Loss::busEnded:
+      return host.endBus(SIGTERM);
+  }
+}
+
+Json found(const std::string& name) {
+  return {{"event", "found"}, {"name", name}};
+}
+
+/// A peer with the embedded stack on one host, and one with the daemon on the other.
+class DaemonLoss : public testing::TestWithParam<Loss> {
+ protected:
+  TwoHosts hosts_;
+  Probe peer_{hosts_.here, Backend::embedded};
+  Probe probe_{hosts_.there, Backend::daemon};
+};
+
+INSTANTIATE_TEST_SUITE_P(Ways, DaemonLoss,
+                         testing::Values(Loss::terminated, Loss::killed, Loss::busEnded),
+                         nameOfLoss);
+
+TEST_P(DaemonLoss, SearchGoesOnAndTellsWhatHasChanged) {
+  probe_.browse(kType);
+  peer_.publish("stays", "Stays", kType, 4711);
+  peer_.publish("goes", "Goes", kType, 4712);
+  probe_.waitFor(found("Stays"));
+  probe_.waitFor(found("Goes"));
+  lose(hosts_.there, GetParam());
+  peer_.stop("goes");
+  peer_.publish("comes", "Comes", kType, 4713);
+  peer_.waitFor({{"event", "published"}, {"name", "Comes"}});
+  hosts_.there.startDaemon();
+  probe_.waitFor(found("Comes"));
+  probe_.waitFor({{"event", "removed"}, {"name", "Goes"}});
+  for (const Json& event : probe_.untaken())
+    EXPECT_NE(event.value("name", ""), "Stays") << event;
+}
+
+TEST_P(DaemonLoss, PublicationIsThereAgain) {
+  peer_.browse(kType);
+  probe_.publish("till", "Till", kType, 4711, {{"txt", {{"demo", "1"}}}});
+  peer_.waitFor(found("Till"));
+  lose(hosts_.there, GetParam());
+  probe_.setTXT("till", {{"demo", "0"}});
+  hosts_.there.startDaemon();
+  peer_.monitor("till", "Till", kType);
+  peer_.waitFor({{"event", "txt"}, {"entries", {{"demo", "0"}}}});
+  peer_.resolve("till", "Till", kType, 15);
+  EXPECT_EQ(peer_.waitFor({{"event", "resolved"}})["port"], 4711);
+}
+
+TEST_P(DaemonLoss, MonitoringGoesOn) {
+  peer_.publish("till", "Till", kType, 4711, {{"txt", {{"demo", "1"}}}});
+  probe_.monitor("till", "Till", kType);
+  probe_.waitFor({{"event", "txt"}, {"entries", {{"demo", "1"}}}});
+  lose(hosts_.there, GetParam());
+  peer_.setTXT("till", {{"demo", "0"}});
+  hosts_.there.startDaemon();
+  probe_.waitFor({{"event", "txt"}, {"entries", {{"demo", "0"}}}});
+}
+
+TEST_P(DaemonLoss, ResolvingWaitsForTheDaemon) {
+  peer_.publish("till", "Till", kType, 4711);
+  peer_.waitFor({{"event", "published"}});
+  lose(hosts_.there, GetParam());
+  probe_.resolve("till", "Till", kType, 0);
+  probe_.waitFor({{"event", "willResolve"}});
+  hosts_.there.startDaemon();
+  EXPECT_EQ(probe_.waitFor({{"event", "resolved"}})["port"], 4711);
+}
+
+/// A hung partner: every operation returns, and the loop turns. Only a blocking call could take
+/// seconds here.
+class HungPartner : public testing::Test {
+ protected:
+  static constexpr std::chrono::seconds kLongestTurn{5};
+
+  void startEverything() {
+    const auto start = steady_clock::now();
+    probe_.browse(kType);
+    probe_.resolve("peer", "Peer", kType, 0);
+    probe_.monitor("peer", "Peer", kType);
+    probe_.publish("till", "Till", kType, 4711);
+    probe_.waitFor({{"event", "willPublish"}});
+    probe_.stop("till");
+    probe_.publish("till", "Till", kType, 4711);
+    probe_.untaken();
+    const auto duration = steady_clock::now() - start;
+    std::cout << "seven operations: " << std::chrono::duration<double, std::milli>(duration).count()
+              << " ms\n";
+    EXPECT_LT(duration, kLongestTurn);
+  }
+
+  void expectEverything() {
+    probe_.waitFor(found("Peer"));
+    probe_.waitFor({{"event", "resolved"}, {"port", 4712}});
+    probe_.waitFor({{"event", "txt"}});
+    probe_.waitFor({{"event", "published"}, {"name", "Till"}});
+    peer_.waitFor(found("Till"));
+  }
+
+  void SetUp() override {
+    peer_.browse(kType);
+    peer_.publish("peer", "Peer", kType, 4712);
+    peer_.waitFor({{"event", "published"}});
+  }
+
+  TwoHosts hosts_;
+  Probe peer_{hosts_.here, Backend::embedded};
+  Probe probe_{hosts_.there, Backend::daemon};
+};
+
+TEST_F(HungPartner, ADaemonThatHangsHoldsNothingUpAndLosesNothing) {
+  hosts_.there.signalDaemon(SIGSTOP);
+  startEverything();
+  hosts_.there.signalDaemon(SIGCONT);
+  expectEverything();
+}
+
+TEST_F(HungPartner, ADaemonThatHangsLaterHoldsNothingUpAndLosesNothing) {
+  probe_.browse("_other._tcp");
+  probe_.waitFor({{"event", "willSearch"}});
+  probe_.stopBrowsing();
+  hosts_.there.signalDaemon(SIGSTOP);
+  startEverything();
+  hosts_.there.signalDaemon(SIGCONT);
+  expectEverything();
+}
+
+TEST_F(HungPartner, ABusThatHangsHoldsNothingUpAndLosesNothing) {
+  hosts_.there.signalBus(SIGSTOP);
+  startEverything();
+  hosts_.there.signalBus(SIGCONT);
+  expectEverything();
+}
+
+TEST_F(HungPartner, AHungDaemonThatIsKilledIsReplaced) {
+  hosts_.there.signalDaemon(SIGSTOP);
+  startEverything();
+  hosts_.there.endDaemon(SIGKILL);
+  hosts_.there.startDaemon();
+  expectEverything();
+}
+
+}  // namespace
+}  // namespace rvf::network
