@@ -305,7 +305,7 @@ std::optional<std::chrono::milliseconds> NSRunLoop::Core::nextTimeout(std::strin
     return std::chrono::milliseconds::zero();
   }
   const auto deadline = timers_.nearestDeadline(runningMode);
-  if (!deadline) return std::nullopt;
+  if (!deadline || *deadline == TimePoint::max()) return std::nullopt;
   return roundedUp(*deadline - now());
 }
 

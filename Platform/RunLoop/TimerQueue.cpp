@@ -43,7 +43,8 @@ std::optional<TimerQueue::Block> TimerQueue::takeDue(const RunningMode& mode, Ti
 void TimerQueue::shift(std::chrono::nanoseconds distance) {
   std::map<Key, Timer> shifted;
   for (auto& [key, timer] : timers_) {
-    const bool isForEver = distance.count() > 0 && key.deadline > TimePoint::max() - distance;
+    const bool isForEver = key.deadline == TimePoint::max() ||
+                           (distance.count() > 0 && key.deadline > TimePoint::max() - distance);
     const Key moved{isForEver ? TimePoint::max() : key.deadline + distance, key.sequence};
     deadlines_[key.sequence] = moved.deadline;
     shifted.emplace(moved, std::move(timer));

@@ -2,65 +2,27 @@
 #include "Platform/RunLoop/NSRunLoop.h"
 
 #include <gmock/gmock.h>
-#include <unistd.h>
+#include <rapidcheck.h>
 
-#include <array>
 #include <memory>
 #include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
 
-#include "Platform/RunLoop/ManualRunLoopClock.h"
 #include "Platform/Runtime/NSAutoreleasePool.h"
-#include "Platform/Runtime/NSException.h"
+#include "tests/Platform/RunLoop/RunLoopFixture.h"
 
 namespace rvf {
 namespace {
 
-using std::chrono::milliseconds;
+using std::chrono::seconds;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-const RunLoopModes kDefault{std::string(NSDefaultRunLoopMode)};
-const RunLoopModes kCommon{std::string(NSRunLoopCommonModes)};
-const RunLoopModes kPanel{"panel"};
-constexpr auto kForEver = NSRunLoop::Clock::time_point::max();
+class NSRunLoopTest : public RunLoopFixture {};
 
-/// The loop of the test's thread, on a clock that stands still.
-class NSRunLoopTest : public testing::Test {
- protected:
-  void SetUp() override { loop->setClock(clock); }
-  void TearDown() override { loop->setClock(nullptr); }
-
-  NSRunLoop::Block note(std::string text) {
-    return [this, text] { ran.push_back(text); };
-  }
-
-  const Ref<NSRunLoop> loop = NSRunLoop::currentRunLoop();
-  const std::shared_ptr<ManualRunLoopClock> clock = std::make_shared<ManualRunLoopClock>();
-  std::vector<std::string> ran;
-};
-
-struct Pipe {
-  Pipe() { EXPECT_EQ(::pipe(ends.data()), 0); }
-  ~Pipe() {
-    closeEnd(0);
-    closeEnd(1);
-  }
-  int reading() const { return ends[0]; }
-  int writing() const { return ends[1]; }
-  void write() const { EXPECT_EQ(::write(ends[1], "x", 1), 1); }
-  void read() const {
-    char byte;
-    EXPECT_EQ(::read(ends[0], &byte, 1), 1);
-  }
-  void closeEnd(std::size_t index) {
-    if (ends[index] >= 0) ::close(ends[index]);
-    ends[index] = -1;
-  }
-  std::array<int, 2> ends{};
-};
+// Posted blocks
 
 TEST_F(NSRunLoopTest, APostedBlockRunsInATurnAndNotBefore) {
   loop->performBlock(note("a"));
@@ -87,68 +49,216 @@ TEST_F(NSRunLoopTest, ABlockOfAnotherModeWaitsWithoutHoldingBackLaterOnes) {
   EXPECT_THAT(ran, ElementsAre("default", "panel 1", "panel 2"));
 }
 
+TEST_F(NSRunLoopTest, ABlockThatWaitedKeepsItsPlaceBeforeLaterOnes) {
+  loop->performInModes(kPanel, note("first"));
+  loop->turn();
+  loop->performInModes(kPanel, note("second"));
+  loop->performInModes({"other", "panel"}, note("third"));
+  loop->turn();
+  loop->turn("panel");
+  EXPECT_THAT(ran, ElementsAre("first", "second", "third"));
+}
+
 TEST_F(NSRunLoopTest, ABlockWithoutModesIsDropped) {
-  loop->performInModes({}, note("never"));
+  const auto witness = std::make_shared<int>();
+  loop->performInModes({}, [witness] {});
+  EXPECT_EQ(witness.use_count(), 1);
   EXPECT_FALSE(loop->turn());
+}
+
+TEST_F(NSRunLoopTest, ABlockPostedByABlockWaitsForTheNextTurn) {
+  loop->performBlock([&] { loop->performBlock(note("later")); });
+  loop->turn();
   EXPECT_THAT(ran, IsEmpty());
+  loop->turn();
+  EXPECT_THAT(ran, ElementsAre("later"));
 }
 
-TEST_F(NSRunLoopTest, ATimerFiresWhenItsTimeHasComeAndNotEarlier) {
-  const auto timer = loop->scheduleTimer(0.010, kDefault, note("timer"));
-  clock->advance(milliseconds(10) - std::chrono::nanoseconds(1));
-  EXPECT_FALSE(loop->turn());
-  clock->advance(std::chrono::nanoseconds(1));
-  EXPECT_TRUE(loop->turn());
-  EXPECT_THAT(ran, ElementsAre("timer"));
+TEST_F(NSRunLoopTest, ABlockIsDestroyedOnceItHasRun) {
+  const auto witness = std::make_shared<int>();
+  loop->performBlock([witness] {});
+  loop->turn();
+  EXPECT_EQ(witness.use_count(), 1);
 }
 
-TEST_F(NSRunLoopTest, TimersOfEqualTimeFireInTheOrderScheduled) {
-  std::vector<std::unique_ptr<RunLoopSource>> timers;
-  for (const char* text : {"a", "b", "c"}) {
-    timers.push_back(loop->scheduleTimer(1, kDefault, note(text)));
+TEST_F(NSRunLoopTest, EveryCalloutHasAReleaseScopeOfItsOwn) {
+  const auto witness = std::make_shared<int>();
+  std::vector<long> counts;
+  for (int i = 0; i < 2; ++i) {
+    loop->performBlock([&] {
+      counts.push_back(witness.use_count());
+      NSAutoreleasePool::addObject(witness);
+    });
   }
-  timers.push_back(loop->scheduleTimer(0.5, kDefault, note("earlier")));
-  clock->runLoopFor(*loop, std::chrono::seconds(1));
-  EXPECT_THAT(ran, ElementsAre("earlier", "a", "b", "c"));
+  loop->turn();
+  EXPECT_THAT(counts, ElementsAre(1, 1));
 }
 
-TEST_F(NSRunLoopTest, AnEndedTimerDoesNotFire) {
-  auto timer = loop->scheduleTimer(0, kDefault, note("never"));
-  timer.reset();
-  EXPECT_FALSE(loop->turn());
+TEST_F(NSRunLoopTest, BlocksOfManyThreadsKeepTheOrderOfEach) {
+  constexpr int kThreads = 4;
+  constexpr int kBlocks = 500;
+  std::vector<int> next(kThreads, 0);
+  int outOfOrder = 0;
+  int left = kThreads * kBlocks;
+  std::vector<std::thread> posters;
+  for (std::size_t t = 0; t < kThreads; ++t) {
+    posters.emplace_back([&, t] {
+      for (int i = 0; i < kBlocks; ++i) {
+        loop->performBlock([&, t, i] {
+          if (next[t]++ != i) ++outOfOrder;
+          if (--left == 0) loop->stop();
+        });
+      }
+    });
+  }
+  loop->run();
+  for (std::thread& poster : posters)
+    poster.join();
+  EXPECT_EQ(outOfOrder, 0);
+  EXPECT_EQ(left, 0);
+}
+
+TEST_F(NSRunLoopTest, WhateverTheModesEveryModeSeesItsBlocksInOrder) {
+  EXPECT_TRUE(rc::check(
+      [&](const std::vector<std::pair<bool, bool>>& inModes, const std::vector<bool>& turns) {
+        const std::vector<std::string> names{"even", "odd"};
+        std::vector<std::size_t> order;
+        std::size_t expected = 0;
+        for (std::size_t i = 0; i < inModes.size(); ++i) {
+          RunLoopModes modes;
+          if (inModes[i].first) modes.push_back("even");
+          if (inModes[i].second) modes.push_back("odd");
+          if (!modes.empty()) ++expected;
+          loop->performInModes(modes, [&order, i] { order.push_back(i); });
+          if (i < turns.size()) loop->turn(names[turns[i]]);
+        }
+        // What was left over by the turns above runs now, first what is in both modes or even only.
+        order.clear();
+        loop->turn("even");
+        RC_ASSERT(std::is_sorted(order.begin(), order.end()));
+        order.clear();
+        loop->turn("odd");
+        RC_ASSERT(std::is_sorted(order.begin(), order.end()));
+        RC_ASSERT(!loop->turn("even") && !loop->turn("odd"));
+        RC_ASSERT(expected <= inModes.size());
+      }));
+}
+
+// Modes
+
+TEST_F(NSRunLoopTest, CommonModesAreTheDefaultModeAndThoseAdded) {
+  loop->addCommonMode("run loop test common");
+  for (const std::string mode : {"kCFRunLoopDefaultMode", "run loop test common"}) {
+    loop->performInModes(kCommon, noteMode("block"));
+    loop->turn(mode);
+  }
+  EXPECT_THAT(ran, ElementsAre("block in kCFRunLoopDefaultMode", "block in run loop test common"));
+}
+
+TEST_F(NSRunLoopTest, AModeThatBecomesCommonRunsWhatWasQueuedBefore) {
+  loop->performBlock(note("block"));
+  EXPECT_FALSE(loop->turn("run loop test late"));
+  loop->addCommonMode("run loop test late");
+  EXPECT_TRUE(loop->turn("run loop test late"));
+}
+
+TEST_F(NSRunLoopTest, TheCommonModesNameIsNoModeToRun) {
+  loop->performInModes(kCommon, note("block"));
+  EXPECT_FALSE(loop->runMode(NSRunLoopCommonModes, kForEver));
+  EXPECT_TRUE(loop->turn());
+}
+
+TEST_F(NSRunLoopTest, TheCurrentModeIsTheInnermost) {
+  loop->performBlock([&] {
+    loop->performInModes(kPanel, noteMode("inner"));
+    loop->turn("panel");
+    noteMode("outer")();
+  });
+  loop->turn();
+  EXPECT_THAT(ran, ElementsAre("inner in panel", "outer in kCFRunLoopDefaultMode"));
+  EXPECT_EQ(loop->currentMode(), std::nullopt);
+}
+
+// Running
+
+TEST_F(NSRunLoopTest, RunningAModeWithNothingAttachedReturnsAtOnce) {
+  loop->performInModes(kPanel, note("elsewhere"));
+  EXPECT_FALSE(loop->runMode("run loop test empty", kForEver));
+  loop->turn("panel");
+}
+
+TEST_F(NSRunLoopTest, RunningAModeReturnsAfterOneBatch) {
+  loop->performBlock([&] { loop->performBlock(note("next batch")); });
+  loop->performBlock(note("same batch"));
+  EXPECT_TRUE(loop->runMode(NSDefaultRunLoopMode, kForEver));
+  EXPECT_THAT(ran, ElementsAre("same batch"));
+  EXPECT_TRUE(loop->runMode(NSDefaultRunLoopMode, kForEver));
+}
+
+TEST_F(NSRunLoopTest, RunningAModeReturnsAtTheDate) {
+  const auto timer = loop->scheduleTimer(10, kDefault, note("too late"));
+  EXPECT_TRUE(loop->runMode(NSDefaultRunLoopMode, clock->now()));
   EXPECT_THAT(ran, IsEmpty());
 }
 
-TEST_F(NSRunLoopTest, ADescriptorIsReportedWhileItIsReadable) {
-  const Pipe pipe;
-  const auto watch = loop->watchDescriptor(
-      pipe.reading(), {.readable = true}, kDefault,
-      [&](DescriptorEvents e) { ran.push_back(e.readable ? "readable" : "other"); });
-  EXPECT_FALSE(loop->turn());
-  pipe.write();
+TEST_F(NSRunLoopTest, RunningUntilAPastDateTakesOneTurn) {
+  loop->performBlock(note("a"));
+  loop->runUntilDate(clock->now() - seconds(1));
+  EXPECT_THAT(ran, ElementsAre("a"));
+}
+
+TEST_F(NSRunLoopTest, RunningUntilADateWaitsForItWithNothingAttached) {
+  const auto limit = clock->now() + seconds(5);
+  std::thread other([&] {
+    clock->advance(seconds(5));
+    loop->wakeUp();
+  });
+  loop->runUntilDate(limit);
+  other.join();
+}
+
+TEST_F(NSRunLoopTest, APostFromAnotherThreadWakesAWaitingLoop) {
+  std::thread poster([&] { loop->performBlock([&] { loop->stop(); }); });
+  loop->run();
+  poster.join();
+}
+
+TEST_F(NSRunLoopTest, StoppingFromAnotherThreadEndsTheRun) {
+  std::thread other;
+  loop->performBlock([&] { other = std::thread([&] { loop->stop(); }); });
+  loop->run();
+  other.join();
+}
+
+TEST_F(NSRunLoopTest, StoppingEndsTheRunAfterTheCalloutAndLeavesTheRest) {
+  loop->performBlock([&] {
+    loop->stop();
+    ran.push_back("stopping");
+  });
+  loop->performBlock(note("left"));
+  loop->run();
+  EXPECT_THAT(ran, ElementsAre("stopping"));
+  loop->turn();
+  EXPECT_THAT(ran, ElementsAre("stopping", "left"));
+}
+
+TEST_F(NSRunLoopTest, StoppingEndsOnlyTheInnermostRun) {
+  loop->performBlock([&] {
+    loop->performBlock([&] { loop->stop(); });
+    loop->run();
+    ran.push_back("inner ended");
+  });
+  loop->performBlock(note("outer goes on"));
   loop->turn();
   loop->turn();
-  EXPECT_THAT(ran, ElementsAre("readable", "readable"));
-  pipe.read();
-  EXPECT_FALSE(loop->turn());
+  EXPECT_THAT(ran, testing::UnorderedElementsAre("inner ended", "outer goes on"));
 }
 
-TEST_F(NSRunLoopTest, ADescriptorThatCannotBePolledRaises) {
-  try {
-    const auto watch = loop->watchDescriptor(-1, {.readable = true}, kDefault, [](auto) {});
-    FAIL() << "nothing was raised";
-  } catch (const NSException& exception) {
-    EXPECT_EQ(exception.name(), NSInvalidArgumentException);
-  }
-}
-
-TEST_F(NSRunLoopTest, AnExceptionLeavesTheRunCallAndTheRestRunsLater) {
-  loop->performBlock([] { throw std::runtime_error("callout"); });
-  loop->performBlock(note("after"));
-  EXPECT_THROW(loop->turn(), std::runtime_error);
-  EXPECT_THAT(ran, IsEmpty());
+TEST_F(NSRunLoopTest, StoppingALoopThatDoesNotRunHasNoEffect) {
+  loop->stop();
+  loop->performBlock(note("a"));
   EXPECT_TRUE(loop->turn());
-  EXPECT_THAT(ran, ElementsAre("after"));
+  EXPECT_THAT(ran, ElementsAre("a"));
 }
 
 TEST_F(NSRunLoopTest, ABlockMayRunTheLoopAgain) {
@@ -162,16 +272,28 @@ TEST_F(NSRunLoopTest, ABlockMayRunTheLoopAgain) {
   EXPECT_THAT(ran, ElementsAre("outer begins", "second", "outer ends"));
 }
 
-TEST_F(NSRunLoopTest, APostFromAnotherThreadWakesAWaitingLoop) {
-  std::thread poster([&] { loop->performBlock([&] { loop->stop(); }); });
-  loop->runUntilDate(kForEver);
-  poster.join();
+TEST_F(NSRunLoopTest, AnExceptionLeavesTheRunCallAndTheRestRunsLater) {
+  loop->performBlock([] { throw std::runtime_error("callout"); });
+  loop->performBlock(note("after"));
+  EXPECT_THROW(loop->run(), std::runtime_error);
+  EXPECT_THAT(ran, IsEmpty());
   EXPECT_EQ(loop->currentMode(), std::nullopt);
+  EXPECT_TRUE(loop->turn());
+  EXPECT_THAT(ran, ElementsAre("after"));
 }
 
-TEST_F(NSRunLoopTest, RunningAModeWithNothingAttachedReturnsAtOnce) {
-  EXPECT_FALSE(loop->runMode("empty", kForEver));
+TEST_F(NSRunLoopTest, AnExceptionOfAnInnerRunPassesThroughTheOuter) {
+  loop->performBlock([&] {
+    loop->performBlock([] { throw std::runtime_error("inner"); });
+    loop->turn();
+  });
+  loop->performBlock(note("after"));
+  EXPECT_THROW(loop->turn(), std::runtime_error);
+  EXPECT_FALSE(loop->turn());
+  EXPECT_THAT(ran, ElementsAre("after"));
 }
+
+// Threads
 
 TEST_F(NSRunLoopTest, EveryThreadHasALoopOfItsOwn) {
   Ref<NSRunLoop> other;
@@ -180,13 +302,18 @@ TEST_F(NSRunLoopTest, EveryThreadHasALoopOfItsOwn) {
   EXPECT_EQ(NSRunLoop::mainRunLoop(), loop);
 }
 
-TEST_F(NSRunLoopTest, ADelayBlockOnTheRealClockIsNeverEarly) {
-  loop->setClock(nullptr);
-  const auto start = NSRunLoop::Clock::now();
-  auto fired = start;
-  const auto timer = loop->scheduleTimer(0.003, kDefault, [&] { fired = NSRunLoop::Clock::now(); });
-  EXPECT_TRUE(loop->runMode(NSDefaultRunLoopMode, kForEver));
-  EXPECT_GE(fired - start, milliseconds(3));
+TEST_F(NSRunLoopTest, TheMainLoopIsTheInitialThreadsFromAnyThread) {
+  Ref<NSRunLoop> main;
+  std::thread([&] { main = NSRunLoop::mainRunLoop(); }).join();
+  EXPECT_EQ(main, loop);
+}
+
+TEST_F(NSRunLoopTest, SourcesMayOutliveTheirLoop) {
+  std::unique_ptr<RunLoopSource> timer;
+  std::thread([&] {
+    timer = NSRunLoop::currentRunLoop()->scheduleTimer(0, kDefault, [] {});
+  }).join();
+  timer.reset();
 }
 
 }  // namespace
