@@ -182,9 +182,10 @@ TEST_F(NSRunLoopDescriptorTest, AWatchInTheCommonModesServesAModeThatIsAddedLate
   const Ends ends = Ends::pipe();
   const auto watching = watch(ends.reading(), kReadable, kCommon);
   ends.write();
-  EXPECT_FALSE(loop->turn("descriptor test late"));
-  loop->addCommonMode("descriptor test late");
-  EXPECT_TRUE(loop->turn("descriptor test late"));
+  const std::string mode = newMode();
+  EXPECT_FALSE(loop->turn(mode));
+  loop->addCommonMode(mode);
+  EXPECT_TRUE(loop->turn(mode));
 }
 
 TEST_F(NSRunLoopDescriptorTest, AWatchMayEndItselfWhileItRuns) {

@@ -156,10 +156,11 @@ TEST_F(NSRunLoopTest, CommonModesAreTheDefaultModeAndThoseAdded) {
 }
 
 TEST_F(NSRunLoopTest, AModeThatBecomesCommonRunsWhatWasQueuedBefore) {
+  const std::string mode = newMode();
   loop->performBlock(note("block"));
-  EXPECT_FALSE(loop->turn("run loop test late"));
-  loop->addCommonMode("run loop test late");
-  EXPECT_TRUE(loop->turn("run loop test late"));
+  EXPECT_FALSE(loop->turn(mode));
+  loop->addCommonMode(mode);
+  EXPECT_TRUE(loop->turn(mode));
 }
 
 TEST_F(NSRunLoopTest, TheCommonModesNameIsNoModeToRun) {

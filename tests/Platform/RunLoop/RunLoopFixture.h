@@ -31,6 +31,12 @@ class RunLoopFixture : public testing::Test {
     return [this, text] { ran.push_back(text + " in " + loop->currentMode().value_or("none")); };
   }
 
+  /// A mode that no test has used. What is made a common mode stays one.
+  static std::string newMode() {
+    static int count = 0;
+    return "new mode " + std::to_string(++count);
+  }
+
   const Ref<NSRunLoop> loop = NSRunLoop::currentRunLoop();
   const std::shared_ptr<ManualRunLoopClock> clock = std::make_shared<ManualRunLoopClock>();
   std::vector<std::string> ran;
