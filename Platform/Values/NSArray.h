@@ -6,11 +6,16 @@
 
 #include "Platform/Export.h"
 #include "Platform/Runtime/NSObject.h"
+#include "Platform/Values/CheckedIterator.h"
 
 namespace rvf {
 
+/// "Nothing found": the largest signed word.
+inline constexpr std::size_t NSNotFound = ~std::size_t{0} >> 1;
+
 /// An ordered list of objects, none of them absent (that raises `NSInvalidArgumentException`).
-/// Immutable, so safe to share between threads and to iterate while callbacks run.
+/// Immutable, so safe to share between threads and to iterate while callbacks run; but what is
+/// passed around as an array may be an `NSMutableArray`. `copyOfObject` makes sure.
 class RVF_EXPORT NSArray : public NSObject {
  public:
   NSArray() = default;
@@ -36,22 +41,28 @@ class RVF_EXPORT NSArray : public NSObject {
   std::size_t indexOfObject(const id& object) const;
   bool containsObject(const id& object) const;
 
+  /// For loops over the objects. If the array is changed meanwhile, the next step raises
+  /// `NSGenericException`.
+  auto begin() const { return CheckedIterator(*this, changes_, objects_.begin()); }
+  auto end() const { return CheckedIterator(*this, changes_, objects_.end()); }
+  /// The objects themselves, where nothing can change the array meanwhile.
   const std::vector<id>& objects() const noexcept { return objects_; }
-  auto begin() const noexcept { return objects_.begin(); }
-  auto end() const noexcept { return objects_.end(); }
 
   bool isEqual(const NSObject* other) const override;
   std::size_t hash() const override;
+  /// "(a, b)"
   std::string description() const override;
 
  protected:
-  std::vector<id>& mutableObjects() noexcept { return objects_; }
+  /// For one change.
+  std::vector<id>& mutableObjects() noexcept {
+    ++changes_;
+    return objects_;
+  }
 
  private:
   std::vector<id> objects_;
+  std::size_t changes_ = 0;
 };
-
-/// "Nothing found": the largest signed word.
-inline constexpr std::size_t NSNotFound = ~std::size_t{0} >> 1;
 
 }  // namespace rvf

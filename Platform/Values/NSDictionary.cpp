@@ -18,9 +18,8 @@ const ClassRegistration kRegistration(&NSDictionary::classObject);
 }  // namespace
 
 NSDictionary::NSDictionary(Entries entries) : entries_(std::move(entries)) {
-  for (const auto& [key, value] : entries_) {
-    if (!value) NSException::raise(NSInvalidArgumentException, "absent object in a dictionary");
-  }
+  for (const auto& [key, value] : entries_)
+    requireEntry(key, value);
 }
 
 Ref<NSDictionary> NSDictionary::dictionary() {
@@ -47,14 +46,20 @@ Class NSDictionary::isa() const {
   return classObject();
 }
 
+void NSDictionary::requireEntry(const id& key, const id& value) {
+  if (key && value) return;
+  NSException::raise(NSInvalidArgumentException,
+                     key ? "absent object put into a dictionary" : "absent dictionary key");
+}
+
 id NSDictionary::objectForKey(const id& key) const {
-  if (!key) return nullptr;
   const auto found = entries_.find(key);
   return found == entries_.end() ? nullptr : found->second;
 }
 
 id NSDictionary::objectForKey(std::string_view key) const {
-  return objectForKey(box(key));
+  const auto found = entries_.find(key);
+  return found == entries_.end() ? nullptr : found->second;
 }
 
 std::optional<std::string> NSDictionary::textForKey(std::string_view key) const {

@@ -12,14 +12,16 @@
 
 #include "Platform/Export.h"
 #include "Platform/Runtime/NSObject.h"
+#include "Platform/Values/CheckedIterator.h"
 #include "Platform/Values/NSArray.h"
 #include "Platform/Values/ObjectHash.h"
 
 namespace rvf {
 
 /// A map from objects, mostly texts, to objects, none of them absent (that raises
-/// `NSInvalidArgumentException`). In no defined order. Immutable, so safe to share between
-/// threads.
+/// `NSInvalidArgumentException`). In no defined order. Keys must keep their value while they are
+/// in it. Immutable, so safe to share between threads; but what is passed around as a dictionary
+/// may be an `NSMutableDictionary`. `copyOfObject` makes sure.
 class RVF_EXPORT NSDictionary : public NSObject {
  public:
   using Entries = std::unordered_map<id, id, ObjectHash, ObjectEqual>;
@@ -44,6 +46,11 @@ class RVF_EXPORT NSDictionary : public NSObject {
   Ref<NSArray> allKeys() const;
   Ref<NSArray> allValues() const;
 
+  /// For loops over the entries, pairs of key and value. If the dictionary is changed meanwhile,
+  /// the next step raises `NSGenericException`.
+  auto begin() const { return CheckedIterator(*this, changes_, entries_.begin()); }
+  auto end() const { return CheckedIterator(*this, changes_, entries_.end()); }
+  /// The entries themselves, where nothing can change the dictionary meanwhile.
   const Entries& entries() const noexcept { return entries_; }
 
   bool isEqual(const NSObject* other) const override;
@@ -52,10 +59,17 @@ class RVF_EXPORT NSDictionary : public NSObject {
   std::string description() const override;
 
  protected:
-  Entries& mutableEntries() noexcept { return entries_; }
+  /// Raises for an absent key or value.
+  static void requireEntry(const id& key, const id& value);
+  /// For one change.
+  Entries& mutableEntries() noexcept {
+    ++changes_;
+    return entries_;
+  }
 
  private:
   Entries entries_;
+  std::size_t changes_ = 0;
 };
 
 }  // namespace rvf

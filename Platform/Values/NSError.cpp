@@ -2,7 +2,6 @@
 #include "Platform/Values/NSError.h"
 
 #include <functional>
-#include <utility>
 
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
@@ -16,26 +15,32 @@ const ClassRegistration kRegistration(&NSError::classObject);
 
 }  // namespace
 
-NSError::NSError(std::string_view domain, long code, Ref<NSDictionary> userInfo)
-    : domain_(domain), code_(code), userInfo_(std::move(userInfo)) {}
+NSError::NSError(std::string_view domain, long code, const Ref<NSDictionary>& userInfo)
+    : domain_(domain),
+      code_(code),
+      userInfo_(std::static_pointer_cast<NSDictionary>(copyOfObject(userInfo))) {}
 
 Ref<NSError> NSError::errorWithDomain(std::string_view domain, long code,
-                                      Ref<NSDictionary> userInfo) {
-  return std::make_shared<NSError>(domain, code, std::move(userInfo));
+                                      const Ref<NSDictionary>& userInfo) {
+  return std::make_shared<NSError>(domain, code, userInfo);
 }
 
 Class NSError::classObject() {
-  static const Class kClass = ClassBuilder<NSError>("NSError", NSObject::classObject())
-                                  .property("domain", "T@\"NSString\",R,C")
-                                  .property("code", "Tq,R")
-                                  .property("userInfo", "T@\"NSDictionary\",R,C")
-                                  .method<&NSError::domain>("domain")
-                                  .method<&NSError::code>("code")
-                                  .method<&NSError::userInfo>("userInfo")
-                                  .method<&NSError::localizedDescription>("localizedDescription")
-                                  .method("copy", immutableCopyImplementation())
-                                  .conformsTo("NSCopying")
-                                  .registered();
+  static const Class kClass =
+      ClassBuilder<NSError>("NSError", NSObject::classObject())
+          .property("domain", "T@\"NSString\",R,C")
+          .property("code", "Tq,R")
+          .property("userInfo", "T@\"NSDictionary\",R,C")
+          .method<&NSError::domain>("domain")
+          .method<&NSError::code>("code")
+          .method<&NSError::userInfo>("userInfo")
+          .property("localizedDescription", "T@\"NSString\",R,C")
+          .property("localizedRecoverySuggestion", "T@\"NSString\",R,C")
+          .method<&NSError::localizedDescription>("localizedDescription")
+          .method<&NSError::localizedRecoverySuggestion>("localizedRecoverySuggestion")
+          .method("copy", immutableCopyImplementation())
+          .conformsTo("NSCopying")
+          .registered();
   return kClass;
 }
 

@@ -23,16 +23,16 @@ inline constexpr std::string_view NSCocoaErrorDomain = "NSCocoaErrorDomain";
 
 /// A failure that a correct program can meet at run time: the domain says which family of codes
 /// the code belongs to, the user info carries texts and details. Immutable, so safe to share
-/// between threads.
+/// between threads: a mutable user info is copied.
 ///
 /// Operations that can fail take `Ref<NSError>* error = nullptr` as their last argument and write
 /// it only on failure and only when it was given.
 class RVF_EXPORT NSError final : public NSObject {
  public:
-  NSError(std::string_view domain, long code, Ref<NSDictionary> userInfo = nullptr);
+  NSError(std::string_view domain, long code, const Ref<NSDictionary>& userInfo = nullptr);
 
   static Ref<NSError> errorWithDomain(std::string_view domain, long code,
-                                      Ref<NSDictionary> userInfo = nullptr);
+                                      const Ref<NSDictionary>& userInfo = nullptr);
 
   static Class classObject();
   Class isa() const override;

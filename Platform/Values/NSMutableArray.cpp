@@ -3,6 +3,7 @@
 
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
@@ -53,18 +54,24 @@ void NSMutableArray::insertObject(id object, std::size_t index) {
 void NSMutableArray::replaceObjectAtIndex(std::size_t index, id object) {
   requirePresent(object);
   objectAtIndex(index);
-  mutableObjects()[index] = std::move(object);
+  mutableObjects()[index].swap(object);
 }
 
 void NSMutableArray::removeObjectAtIndex(std::size_t index) {
-  objectAtIndex(index);
-  mutableObjects().erase(mutableObjects().begin() + static_cast<std::ptrdiff_t>(index));
+  const id removed = objectAtIndex(index);
+  mutableObjects().erase(objects().begin() + static_cast<std::ptrdiff_t>(index));
 }
 
 void NSMutableArray::removeObject(const id& object) {
-  const id removed = object;  // may refer into this array
-  std::erase_if(mutableObjects(),
-                [&removed](const id& candidate) { return objectsAreEqual(candidate, removed); });
+  std::vector<id> kept;
+  for (const id& candidate : *this)
+    if (!objectsAreEqual(candidate, object)) kept.push_back(candidate);
+  if (kept.size() != count()) mutableObjects().swap(kept);
+}
+
+void NSMutableArray::removeAllObjects() {
+  std::vector<id> removed;
+  mutableObjects().swap(removed);
 }
 
 }  // namespace rvf

@@ -8,7 +8,9 @@
 
 namespace rvf {
 
-/// An array that can change. Iterate a `copy()` where a callback might change it.
+/// An array that can change. Used by one thread at a time. Iterate a `copy()` where what is called
+/// might change it. Removed objects are released when the change is complete, so their destructors
+/// may use the array.
 class RVF_EXPORT NSMutableArray final : public NSArray {
  public:
   using NSArray::NSArray;
@@ -25,7 +27,7 @@ class RVF_EXPORT NSMutableArray final : public NSArray {
   void removeObjectAtIndex(std::size_t index);
   /// Removes every equal object; none is fine.
   void removeObject(const id& object);
-  void removeAllObjects() noexcept { mutableObjects().clear(); }
+  void removeAllObjects();
 
   /// The objects of this moment, immutable.
   Ref<NSArray> copy() const { return std::make_shared<NSArray>(objects()); }

@@ -5,7 +5,6 @@
 
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
-#include "Platform/Runtime/NSException.h"
 #include "Platform/Values/NSString.h"
 
 namespace rvf {
@@ -32,11 +31,9 @@ Class NSMutableDictionary::isa() const {
 }
 
 void NSMutableDictionary::setObject(id object, const id& key) {
-  if (!key || !object) {
-    NSException::raise(NSInvalidArgumentException,
-                       key ? "absent object put into a dictionary" : "absent dictionary key");
-  }
-  mutableEntries().insert_or_assign(key, std::move(object));
+  requireEntry(key, object);
+  const auto [entry, isNew] = mutableEntries().try_emplace(key, object);
+  if (!isNew) entry->second.swap(object);
 }
 
 void NSMutableDictionary::setObject(id object, std::string_view key) {
@@ -44,11 +41,18 @@ void NSMutableDictionary::setObject(id object, std::string_view key) {
 }
 
 void NSMutableDictionary::removeObjectForKey(const id& key) {
-  if (key) mutableEntries().erase(key);
+  const auto found = entries().find(key);
+  if (found != entries().end()) mutableEntries().extract(found);
 }
 
 void NSMutableDictionary::removeObjectForKey(std::string_view key) {
-  removeObjectForKey(box(key));
+  const auto found = entries().find(key);
+  if (found != entries().end()) mutableEntries().extract(found);
+}
+
+void NSMutableDictionary::removeAllObjects() {
+  Entries removed;
+  mutableEntries().swap(removed);
 }
 
 }  // namespace rvf

@@ -8,7 +8,9 @@
 
 namespace rvf {
 
-/// A dictionary that can change. Iterate a `copy()` where a callback might change it.
+/// A dictionary that can change. Used by one thread at a time. Iterate a `copy()` where what is
+/// called might change it. Removed objects are released when the change is complete, so their
+/// destructors may use the dictionary.
 class RVF_EXPORT NSMutableDictionary final : public NSDictionary {
  public:
   using NSDictionary::NSDictionary;
@@ -24,7 +26,7 @@ class RVF_EXPORT NSMutableDictionary final : public NSDictionary {
   /// Removing nothing is fine.
   void removeObjectForKey(const id& key);
   void removeObjectForKey(std::string_view key);
-  void removeAllObjects() noexcept { mutableEntries().clear(); }
+  void removeAllObjects();
 
   /// The entries of this moment, immutable.
   Ref<NSDictionary> copy() const { return std::make_shared<NSDictionary>(entries()); }

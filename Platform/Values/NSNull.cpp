@@ -13,8 +13,9 @@ const ClassRegistration kRegistration(&NSNull::classObject);
 }  // namespace
 
 Ref<NSNull> NSNull::null() {
-  static const Ref<NSNull> kNull = std::make_shared<NSNull>();
-  return kNull;
+  // Never destroyed: compared until the last static destructor has run.
+  static const Ref<NSNull>& null = *new Ref<NSNull>(std::make_shared<NSNull>(Key()));
+  return null;
 }
 
 Class NSNull::classObject() {

@@ -11,6 +11,13 @@ class RVF_EXPORT NSNull final : public NSObject {
  public:
   static Ref<NSNull> null();
 
+  /// Only `null` can make the key.
+  class Key {
+    friend class NSNull;
+    Key() = default;
+  };
+  explicit NSNull(Key) {}
+
   static Class classObject();
   Class isa() const override;
   std::string description() const override { return "<null>"; }

@@ -64,6 +64,15 @@ NSNumber::NSNumber(Storage storage, const std::string& typeCode)
 
 Class NSNumber::classObject() {
   static const Class kClass = ClassBuilder<NSNumber>("NSNumber", NSValue::classObject())
+                                  .method<&NSNumber::boolValue>("boolValue")
+                                  .method<&NSNumber::charValue>("charValue")
+                                  .method<&NSNumber::shortValue>("shortValue")
+                                  .method<&NSNumber::intValue>("intValue")
+                                  .method<&NSNumber::longValue>("longValue")
+                                  .method<&NSNumber::integerValue>("integerValue")
+                                  .method<&NSNumber::unsignedIntegerValue>("unsignedIntegerValue")
+                                  .method<&NSNumber::floatValue>("floatValue")
+                                  .method<&NSNumber::doubleValue>("doubleValue")
                                   .method<&NSNumber::stringValue>("stringValue")
                                   .registered();
   return kClass;
@@ -82,6 +91,7 @@ double NSNumber::doubleValue() const {
 }
 
 std::string NSNumber::stringValue() const {
+  if (std::isnan(doubleValue())) return "nan";  // whatever its sign
   if (objCType() == "f") return fmt::format("{}", floatValue());
   return std::visit([](auto value) { return fmt::format("{}", value); }, storage_);
 }
@@ -96,7 +106,8 @@ bool NSNumber::isEqual(const NSObject* other) const {
 }
 
 std::size_t NSNumber::hash() const {
-  return std::hash<double>()(doubleValue());
+  const double value = doubleValue();  // equal numbers read as equal doubles
+  return std::isnan(value) ? 0 : std::hash<double>()(value);
 }
 
 std::uint64_t NSNumber::bits() const {

@@ -14,21 +14,25 @@
 
 namespace rvf {
 
+/// What a number object can be made from.
+template <class T>
+concept NumberValue = std::is_arithmetic_v<T> && !std::same_as<T, long double>;
+
 /// A number as an object. It remembers the type code that it was made with (`c` for flags,
 /// `s S i I q Q f d`), prints accordingly and compares by value: 1, 1.0 and true are equal and
-/// hash alike. Immutable.
+/// hash alike, integers beyond 2^53 that differ are not. Immutable.
 ///
 /// Integer readings of an integer wrap like a C cast; readings of a fraction truncate toward zero
 /// and saturate when out of range, NaN reads as 0.
 class RVF_EXPORT NSNumber : public NSValue {
  public:
-  template <class T>
-  requires std::is_arithmetic_v<T>
+  template <NumberValue T>
   explicit NSNumber(T value) : NSNumber(storageOf(value), typeEncoding<T>()) {}
 
-  template <class T>
-  requires std::is_arithmetic_v<T>
-  static Ref<NSNumber> numberWithValue(T value) { return std::make_shared<NSNumber>(value); }
+  template <NumberValue T>
+  static Ref<NSNumber> numberWithValue(T value) {
+    return std::make_shared<NSNumber>(value);
+  }
 
   static Class classObject();
   Class isa() const override;
@@ -40,6 +44,8 @@ class RVF_EXPORT NSNumber : public NSValue {
   unsigned short unsignedShortValue() const { return integer<unsigned short>(); }
   int intValue() const { return integer<int>(); }
   unsigned unsignedIntValue() const { return integer<unsigned>(); }
+  long longValue() const { return integer<long>(); }
+  unsigned long unsignedLongValue() const { return integer<unsigned long>(); }
   long integerValue() const { return integer<long>(); }
   unsigned long unsignedIntegerValue() const { return integer<unsigned long>(); }
   long long longLongValue() const { return integer<long long>(); }
@@ -47,7 +53,9 @@ class RVF_EXPORT NSNumber : public NSValue {
   float floatValue() const { return static_cast<float>(doubleValue()); }
   virtual double doubleValue() const;
 
-  /// The shortest decimal text that reads back to the same value; flags print "1" and "0".
+  /// The shortest decimal text that reads back to the same value of the type that the number was
+  /// made with: "1", "0.1", "1e+22" (an exponent from 1e16 on and below 1e-4), "inf", "nan". Flags
+  /// print "1" and "0".
   virtual std::string stringValue() const;
   /// Negative, 0 or positive; NaN orders below every other number.
   virtual int compare(const NSNumber& other) const;
@@ -88,8 +96,8 @@ class RVF_EXPORT NSNumber : public NSValue {
 };
 
 /// The object form of a number.
-template <class T>
-requires std::is_arithmetic_v<T> Ref<NSNumber> box(T value) {
+template <NumberValue T>
+Ref<NSNumber> box(T value) {
   return NSNumber::numberWithValue(value);
 }
 

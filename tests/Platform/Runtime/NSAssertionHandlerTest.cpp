@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
+#include <functional>
+#include <string>
 #include <thread>
 
 #include "Platform/Runtime/NSException.h"

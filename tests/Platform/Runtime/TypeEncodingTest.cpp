@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <utility>
+#include <vector>
 
 #include "Platform/Runtime/NSObject.h"
 #include "Platform/Values/NSError.h"
