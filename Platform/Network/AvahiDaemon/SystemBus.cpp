@@ -16,6 +16,8 @@ namespace {
 constexpr const char* kUsualAddress = "unix:path=/run/dbus/system_bus_socket";
 /// Messages taken in one turn, so that a flood leaves room for the loop's other items.
 constexpr std::size_t kBatchSize = 64;
+/// The bus refuses further calls of a connection that waits for 128 replies.
+constexpr std::size_t kMostUnanswered = 96;
 
 const char* systemBusAddress() {
   const char* const address = secure_getenv("DBUS_SYSTEM_BUS_ADDRESS");
@@ -83,17 +85,36 @@ BusMessage SystemBus::newCall(const char* destination, const char* path, const c
   return BusMessage(message);
 }
 
-void SystemBus::send(BusMessage call, Handler reply) {
+void SystemBus::send(BusMessage message, Handler reply) {
   if (!bus_ || isLost_) return;
-  std::uint64_t serial = 0;
-  const int result =
-      call ? sd_bus_send(bus_.get(), call.get(), reply ? &serial : nullptr) : -ENOMEM;
-  if (result < 0) {
-    isLost_ = true;  // a full queue, or a connection that just broke
-  } else if (reply) {
-    replies_.emplace(serial, std::move(reply));
+  Call call{std::move(message), std::move(reply)};
+  if (call.reply) {
+    waiting_.push_back(std::move(call));
+    transmitWaiting();
+  } else {
+    transmit(std::move(call));
   }
   rearm();
+}
+
+void SystemBus::transmitWaiting() {
+  while (!waiting_.empty() && replies_.size() < kMostUnanswered) {
+    Call call = std::move(waiting_.front());
+    waiting_.pop_front();
+    transmit(std::move(call));
+  }
+}
+
+void SystemBus::transmit(Call call) {
+  std::uint64_t serial = 0;
+  const int result =
+      call.message ? sd_bus_send(bus_.get(), call.message.get(), call.reply ? &serial : nullptr)
+                   : -ENOMEM;
+  if (result < 0) {
+    isLost_ = true;  // a full queue, or a connection that just broke
+  } else if (call.reply) {
+    replies_.emplace(serial, std::move(call.reply));
+  }
 }
 
 /// A hang-up that sd-bus takes no notice of would be reported for ever: it is a loss too.
@@ -111,6 +132,7 @@ void SystemBus::pump(DescriptorEvents ready) {
 void SystemBus::reportLoss() {
   close();
   replies_.clear();
+  waiting_.clear();
   const auto lost = events_.lost;
   if (lost) lost();
 }
@@ -141,6 +163,7 @@ void SystemBus::deliver(sd_bus_message& message) {
   std::uint64_t serial = 0;
   if (sd_bus_message_get_reply_cookie(&message, &serial) >= 0) {
     auto reply = replies_.extract(serial);
+    transmitWaiting();
     if (reply) reply.mapped()(message);
   } else if (sd_bus_message_is_signal(&message, nullptr, nullptr) > 0) {
     const Handler signal = events_.signal;

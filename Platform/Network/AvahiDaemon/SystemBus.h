@@ -47,8 +47,9 @@ class SystemBus final : public std::enable_shared_from_this<SystemBus> {
   BusMessage newCall(const char* destination, const char* path, const char* interface,
                      const char* member) const;
   /// Sends a call; `reply` gets the answer, an error reply too, on a later turn. Dropped when the
-  /// bus goes. Without a handler no reply is asked for.
-  void send(BusMessage call, Handler reply);
+  /// bus goes. Calls are sent in order, so many at a time as the bus allows to be unanswered.
+  /// Without a handler no reply is asked for, and the call overtakes those that wait.
+  void send(BusMessage message, Handler reply);
   /// Drops the connection; what was sent is still delivered. No handler is called any more.
   void close() noexcept;
 
@@ -61,12 +62,18 @@ class SystemBus final : public std::enable_shared_from_this<SystemBus> {
 
   int connect();
   enum class Progress { none, some, broken };
+  struct Call {
+    BusMessage message;
+    Handler reply;
+  };
 
   void pump(DescriptorEvents ready);
   Progress receive();
   void dispatch();
   void reportLoss();
   void deliver(sd_bus_message& message);
+  void transmit(Call call);
+  void transmitWaiting();
   void rearm();
   void rearmDescriptor();
   void rearmTimer();
@@ -75,6 +82,7 @@ class SystemBus final : public std::enable_shared_from_this<SystemBus> {
   std::unique_ptr<sd_bus, Closer> bus_;
   std::deque<BusMessage> inbox_;
   std::unordered_map<std::uint64_t, Handler> replies_;  ///< by the serial number of the call
+  std::deque<Call> waiting_;
   std::unique_ptr<RunLoopSource> watch_;
   std::unique_ptr<RunLoopSource> timer_;
   int watchedDescriptor_ = -1;
