@@ -7,8 +7,16 @@ std::string nameOfPair(const testing::TestParamInfo<BackendPair>& info) {
   return nameOf(info.param.publisher) + "To" + nameOf(info.param.seeker);
 }
 
+std::string nameOfBackend(const testing::TestParamInfo<Backend>& info) {
+  return nameOf(info.param);
+}
+
 testing::internal::ParamGenerator<BackendPair> everyPair() {
   return testing::Values(BackendPair{Backend::embedded, Backend::embedded});
+}
+
+testing::internal::ParamGenerator<Backend> everyBackend() {
+  return testing::Values(Backend::embedded);
 }
 
 }  // namespace rvf::network

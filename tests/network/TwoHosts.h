@@ -38,10 +38,12 @@ class PairTest : public testing::TestWithParam<BackendPair> {
   Probe seeker_{hosts_.there, GetParam().seeker};
 };
 
-/// "EmbeddedAndDaemon"-like names for the instances.
+/// "embeddedToDaemon"-like names for the instances.
 std::string nameOfPair(const testing::TestParamInfo<BackendPair>& info);
+std::string nameOfBackend(const testing::TestParamInfo<Backend>& info);
 
 /// Every pair of back ends that must work together.
 testing::internal::ParamGenerator<BackendPair> everyPair();
+testing::internal::ParamGenerator<Backend> everyBackend();
 
 }  // namespace rvf::network

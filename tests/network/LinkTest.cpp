@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// What becomes of registrations when links go and come back.
+
+#include "tests/network/TwoHosts.h"
+
+namespace rvf::network {
+namespace {
+
+/// A publication that the seeker has found already.
+class Links : public PairTest {
+ protected:
+  void SetUp() override {
+    seeker_.browse(kType);
+    publisher_.publish("till", "Till 1", kType, 4711);
+    seeker_.waitFor({{"event", "found"}, {"name", "Till 1"}});
+    publisher_.waitFor({{"event", "published"}});
+  }
+};
+
+INSTANTIATE_TEST_SUITE_P(Pairs, Links, everyPair(), nameOfPair);
+
+TEST_P(Links, WhatWasSeenOnALinkThatGoesDownIsRemovedAndFoundAgainWhenItIsBack) {
+  hosts_.there.setLink("v0", false);
+  seeker_.waitFor({{"event", "removed"}, {"name", "Till 1"}});
+  hosts_.there.setLink("v0", true);
+  seeker_.waitFor({{"event", "found"}, {"name", "Till 1"}});
+}
+
+TEST_P(Links, WhatWasSeenOnALinkThatLosesItsCarrierIsRemoved) {
+  hosts_.here.setLink("v0", false);
+  seeker_.waitFor({{"event", "removed"}, {"name", "Till 1"}});
+  hosts_.here.setLink("v0", true);
+  seeker_.waitFor({{"event", "found"}, {"name", "Till 1"}});
+}
+
+TEST_P(Links, ALinkThatAppearsIsPublishedOn) {
+  seeker_.resolve("till", "Till 1", kType, 0);
+  hosts_.here.connect(hosts_.there, 1);
+  for (bool isReached = false; !isReached;) {
+    const Json report = seeker_.waitFor({{"event", "resolved"}});
+    for (const Json& address : report["addresses"]) {
+      isReached = isReached || address["address"] == "10.99.1.1";
+    }
+  }
+}
+
+TEST_P(Links, LosingOneOfTwoLinksIsNoRemoval) {
+  hosts_.here.connect(hosts_.there, 1);
+  publisher_.publish("later", "Till 2", kType, 4712);
+  seeker_.waitFor({{"event", "found"}, {"name", "Till 2"}});
+  seeker_.resolve("later", "Till 2", kType, 0);
+  while (seeker_.waitFor({{"event", "resolved"}})["addresses"].size() < 4) {
+  }
+  hosts_.there.setLink("v0", false);
+  // What comes over the other link afterwards comes after everything the loss could have caused.
+  publisher_.publish("last", "Till 3", kType, 4713);
+  seeker_.waitFor({{"event", "found"}, {"name", "Till 3"}});
+  for (const Json& event : seeker_.untaken())
+    EXPECT_NE(event["event"], "removed") << event;
+}
+
+}  // namespace
+}  // namespace rvf::network
