@@ -12,11 +12,14 @@ std::string nameOfBackend(const testing::TestParamInfo<Backend>& info) {
 }
 
 testing::internal::ParamGenerator<BackendPair> everyPair() {
-  return testing::Values(BackendPair{Backend::embedded, Backend::embedded});
+  return testing::Values(BackendPair{Backend::embedded, Backend::embedded},
+                         BackendPair{Backend::embedded, Backend::daemon},
+                         BackendPair{Backend::daemon, Backend::embedded},
+                         BackendPair{Backend::daemon, Backend::daemon});
 }
 
 testing::internal::ParamGenerator<Backend> everyBackend() {
-  return testing::Values(Backend::embedded);
+  return testing::Values(Backend::embedded, Backend::daemon);
 }
 
 }  // namespace rvf::network
