@@ -41,16 +41,17 @@ ThreadScopes* threadScopes() {
 NSAutoreleasePool::NSAutoreleasePool() noexcept {
   ThreadScopes* const scopes = threadScopes();
   if (!scopes) return;
+  objects_ = &scopes->objects;
   depth_ = scopes->depth++;
   base_ = depth_ == 0 ? 0 : scopes->objects.size();
 }
 
 NSAutoreleasePool::~NSAutoreleasePool() {
-  drain();
+  releaseDownToBase();  // also right if the thread's scopes are gone by now
   if (ThreadScopes* const scopes = threadScopes()) scopes->depth = std::min(scopes->depth, depth_);
 }
 
-void NSAutoreleasePool::drain() {
+void NSAutoreleasePool::releaseDownToBase() {
   if (ThreadScopes* const scopes = threadScopes()) scopes->releaseDownTo(base_);
 }
 

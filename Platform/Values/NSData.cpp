@@ -15,7 +15,11 @@ const ClassRegistration kRegistration(&NSData::classObject);
 
 }  // namespace
 
-NSData::NSData(std::vector<std::byte> bytes) noexcept : bytes_(std::move(bytes)) {}
+NSData::NSData(std::vector<std::byte> bytes) noexcept
+    : vector_(std::move(bytes)), bytes_(vector_) {}
+
+NSData::NSData(std::unique_ptr<std::byte[]> buffer, std::size_t length) noexcept
+    : buffer_(std::move(buffer)), bytes_(buffer_.get(), length) {}
 
 Ref<NSData> NSData::data() {
   return std::make_shared<NSData>(std::vector<std::byte>());
@@ -44,7 +48,7 @@ Class NSData::isa() const {
 
 bool NSData::isEqual(const NSObject* other) const {
   const auto* data = dynamic_cast<const NSData*>(other);
-  return data && bytes_ == data->bytes_;
+  return data && characters() == data->characters();
 }
 
 std::size_t NSData::hash() const {

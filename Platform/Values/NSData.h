@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -17,6 +18,8 @@ class RVF_EXPORT NSData final : public NSObject {
  public:
   /// Takes the bytes over.
   explicit NSData(std::vector<std::byte> bytes) noexcept;
+  /// Takes over a buffer of which the first `length` bytes count. Nothing is copied.
+  NSData(std::unique_ptr<std::byte[]> buffer, std::size_t length) noexcept;
 
   static Ref<NSData> data();
   /// Copies the bytes.
@@ -40,7 +43,9 @@ class RVF_EXPORT NSData final : public NSObject {
   std::string description() const override;
 
  private:
-  std::vector<std::byte> bytes_;
+  std::vector<std::byte> vector_;        // owns the bytes,
+  std::unique_ptr<std::byte[]> buffer_;  // or this does
+  std::span<const std::byte> bytes_;
 };
 
 }  // namespace rvf

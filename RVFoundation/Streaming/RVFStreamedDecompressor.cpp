@@ -8,7 +8,6 @@
 #include <limits>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include "Platform/Locale/NSBundle.h"
 #include "Platform/Runtime/ClassBuilder.h"
@@ -42,6 +41,41 @@ Ref<NSError> inconsistentStreamStateError() {
           {NSLocalizedRecoverySuggestionErrorKey, NSString::stringWithString(suggestion)},
       }));
 }
+
+/// The content of one chunk while it grows. zlib writes straight into it, as if into a scratch
+/// buffer of the chunk's length each time; the memory is neither cleared nor, mostly, copied.
+class Accumulator final {
+ public:
+  explicit Accumulator(std::size_t capacity)
+      : capacity_(capacity), buffer_(std::make_unique_for_overwrite<std::byte[]>(capacity)) {}
+
+  std::size_t length() const { return length_; }
+
+  /// Where the next `count` bytes go.
+  std::byte* roomFor(std::size_t count) {
+    if (capacity_ - length_ < count) moveTo(2 * length_ + count);
+    return buffer_.get() + length_;
+  }
+  void append(std::size_t count) { length_ += count; }
+
+  /// The content; holds at most twice the memory that it needs.
+  Ref<NSData> data() && {
+    if (length_ < capacity_ / 2) moveTo(length_);
+    return std::make_shared<NSData>(std::move(buffer_), length_);
+  }
+
+ private:
+  void moveTo(std::size_t capacity) {
+    auto buffer = std::make_unique_for_overwrite<std::byte[]>(capacity);
+    std::copy_n(buffer_.get(), length_, buffer.get());
+    buffer_ = std::move(buffer);
+    capacity_ = capacity;
+  }
+
+  std::size_t capacity_;
+  std::size_t length_ = 0;
+  std::unique_ptr<std::byte[]> buffer_;
+};
 
 }  // namespace
 
@@ -103,11 +137,10 @@ Ref<NSData> RVFStreamedDecompressor::decompressChunk(const Ref<NSData>& chunk,
   decompressionStarted_ = true;
   const auto room =
       static_cast<uInt>(std::min<std::size_t>(chunk->length(), std::numeric_limits<uInt>::max()));
-  const auto scratch = std::make_unique_for_overwrite<std::byte[]>(room);
-  std::vector<std::byte> accumulator;
+  Accumulator accumulator(room * expectedSteps_);
   int result = Z_OK;
   do {
-    result = stream.inflateInto(scratch.get(), room);
+    result = stream.inflateInto(accumulator.roomFor(room), room);
     switch (result) {
       case Z_MEM_ERROR:
       case Z_DATA_ERROR:
@@ -120,15 +153,15 @@ Ref<NSData> RVFStreamedDecompressor::decompressChunk(const Ref<NSData>& chunk,
         reportError(error, &inconsistentStreamStateError);
         return nullptr;
       default:
-        accumulator.insert(accumulator.end(), scratch.get(),
-                           scratch.get() + (room - stream.record.avail_out));
+        accumulator.append(room - stream.record.avail_out);
     }
   } while (stream.record.avail_out == 0);
   if (result == Z_STREAM_END) {
     decompressionComplete_ = true;
     inflateEnd(&stream.record);
   }
-  return std::make_shared<NSData>(std::move(accumulator));
+  expectedSteps_ = accumulator.length() / room + 2;  // and room for the call that finds the end
+  return std::move(accumulator).data();
 }
 
 bool RVFStreamedDecompressor::completeDecompressionUsingError(Ref<NSError>* error) {

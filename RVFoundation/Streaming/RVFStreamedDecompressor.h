@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <cstddef>
 #include <memory>
 
 #include "Platform/Export.h"
@@ -54,6 +55,7 @@ class RVF_EXPORT RVFStreamedDecompressor final : public NSObject {
   std::unique_ptr<Stream> strm_;
   bool decompressionStarted_ = false;
   bool decompressionComplete_ = false;
+  std::size_t expectedSteps_ = 1;  // chunk lengths that the last chunk's content filled
 };
 
 }  // namespace rvf

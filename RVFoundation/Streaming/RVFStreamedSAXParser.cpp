@@ -44,10 +44,10 @@ Handler valueOf(const std::shared_ptr<const Handler>& handler) {
 
 /// What libxml2 calls, with the parser as context. No exception may pass through its frames.
 struct RVFStreamedSAXParser::Callbacks {
-  /// Runs `body` in a release scope of its own and keeps its exception for the feeding call.
+  /// Runs `body` as in a release scope of its own, and keeps its exception for the feeding call.
+  /// Nothing is handed over between callbacks, so that one scope, drained, serves them all.
   template <class Body>
   static void run(RVFStreamedSAXParser& parser, Body body) noexcept {
-    const NSAutoreleasePool scope;
     try {
       body();
     } catch (...) {
@@ -55,7 +55,8 @@ struct RVFStreamedSAXParser::Callbacks {
       parser.interupted_ = true;
       xmlStopParser(contextOf(parser));
     }
-    parser.releaseRetired();
+    parser.callbackScope_->drain();
+    if (!parser.retired_.empty()) parser.releaseRetired();
   }
 
   static void SAXStartElement(void* context, const xmlChar* localName, const xmlChar* prefix,
@@ -183,7 +184,7 @@ void RVFStreamedSAXParser::setFoundCharactersHandler(FoundCharactersHandler hand
 
 /// A handler that is replaced while it runs must outlive its own call.
 void RVFStreamedSAXParser::retire(std::shared_ptr<const void> handler) {
-  if (isParsing_ && handler) retired_.push_back(std::move(handler));
+  if (callbackScope_ && handler) retired_.push_back(std::move(handler));
 }
 
 void RVFStreamedSAXParser::releaseRetired() {
@@ -194,13 +195,18 @@ void RVFStreamedSAXParser::releaseRetired() {
 }
 
 int RVFStreamedSAXParser::feed(const char* bytes, int length, bool terminate) {
-  if (isParsing_) {
+  if (callbackScope_) {
     NSException::raise(NSInternalInconsistencyException,
                        "a handler fed the parser that was calling it");
   }
-  isParsing_ = true;
-  const int result = xmlParseChunk(contextOf(*this), bytes, length, terminate ? 1 : 0);
-  isParsing_ = false;
+  int result = 0;
+  {
+    const NSAutoreleasePool callScope;
+    NSAutoreleasePool callbackScope;
+    callbackScope_ = &callbackScope;
+    result = xmlParseChunk(contextOf(*this), bytes, length, terminate ? 1 : 0);
+    callbackScope_ = nullptr;
+  }
   releaseRetired();
   if (exception_) std::rethrow_exception(std::exchange(exception_, nullptr));
   return result;
@@ -214,11 +220,7 @@ bool RVFStreamedSAXParser::parseChunk(const Ref<NSData>& chunk, Ref<NSError>* er
   const auto self = refTo(this);        // a handler may drop the last other reference,
   const Ref<NSData> heldChunk = chunk;  // and replace what `chunk` refers to
   const std::string_view bytes = heldChunk ? heldChunk->characters() : std::string_view();
-  int result = 0;
-  {
-    const NSAutoreleasePool scope;
-    result = feed(bytes.data(), static_cast<int>(bytes.size()), false);
-  }
+  const int result = feed(bytes.data(), static_cast<int>(bytes.size()), false);
   if (interupted_) {
     reportError(error, [] {
       return NSError::errorWithDomain(RVFLIBXMLErrorDomain, RVFLIBXMLStoppedError);

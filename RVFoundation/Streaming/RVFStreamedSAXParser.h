@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "Platform/Export.h"
+#include "Platform/Runtime/NSAutoreleasePool.h"
 #include "Platform/Runtime/NSObject.h"
 #include "Platform/Values/NSData.h"
 #include "Platform/Values/NSError.h"
@@ -108,8 +109,8 @@ class RVF_EXPORT RVFStreamedSAXParser final : public NSObject {
   std::shared_ptr<const FoundCharactersHandler> foundCharactersHandler_;
   std::vector<std::shared_ptr<const void>> retired_;  // replaced while they might run
   std::exception_ptr exception_;
+  NSAutoreleasePool* callbackScope_ = nullptr;  // while a call feeds libxml2
   bool interupted_ = false;
-  bool isParsing_ = false;
 };
 
 }  // namespace rvf
