@@ -90,7 +90,7 @@ bool RVFQMServerService::isUsingBackToMyMac() const {
   if (!mainService_) return false;
   const std::string domain = mainService_->domain();
   return std::ranges::any_of(wideAreaDomainSuffixes(), [&domain](const std::string& suffix) {
-    return domain.ends_with(suffix);
+    return !suffix.empty() && domain.ends_with(suffix);
   });
 }
 
@@ -114,7 +114,8 @@ void RVFQMServerService::addNetService(const Ref<NSNetService>& service) {
   service->setDelegate(refTo(this));
   service->startMonitoring();
   netServices_.push_back(service);
-  if (netServices_.size() == 1 || (mainService_ && !isLocal(*mainService_) && isLocal(*service))) {
+  if (netServices_.size() == 1 ||
+      (isLocal(*service) && (!mainService_ || !isLocal(*mainService_)))) {
     setMainService(service);
   }
 }

@@ -90,7 +90,8 @@ class RVF_EXPORT RVFStaticServer : public NSObject {
   /// The error for a `getaddrinfo` code.
   static Ref<NSError> netDBErrorForErrorCode(std::int32_t code);
 
-  /// How names are looked up: `lookUpName` unless replaced. Called on background threads.
+  /// How names are looked up: `lookUpName` unless replaced, before the first resolution. Called on
+  /// background threads.
   void setNameLookup(NameLookup lookup);
 
   bool isEqual(const NSObject* other) const override;

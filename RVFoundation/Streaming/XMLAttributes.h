@@ -38,11 +38,14 @@ class XMLAttribute final {
   /// The value with its ampersands: "Salt &#38; Pepper" reads "Salt & Pepper".
   std::string decodedValue() const {
     constexpr std::string_view kAmpersand = "&#38;";
-    std::string text(value());
-    for (auto at = text.find(kAmpersand); at != text.npos; at = text.find(kAmpersand, at + 1)) {
-      text.replace(at, kAmpersand.size(), 1, '&');
+    std::string_view rest = value();
+    std::string text;
+    text.reserve(rest.size());
+    for (auto at = rest.find(kAmpersand); at != rest.npos; at = rest.find(kAmpersand)) {
+      text.append(rest.substr(0, at)).append(1, '&');
+      rest.remove_prefix(at + kAmpersand.size());
     }
-    return text;
+    return text.append(rest);
   }
 
  private:

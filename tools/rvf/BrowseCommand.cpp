@@ -3,6 +3,7 @@
 
 #include <csignal>
 #include <iostream>
+#include <map>
 #include <memory>
 #include <string>
 

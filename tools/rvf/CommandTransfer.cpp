@@ -17,13 +17,21 @@ constexpr long kConnectTimeoutSeconds = 5;
 constexpr long kOk = 200;
 
 struct Receiver {
+  CURL* curl;
   const std::function<bool(std::string_view)>& receive;
   std::exception_ptr raised;  // libcurl's frames must not be unwound
   bool stopped = false;
 };
 
+long statusOf(CURL* curl) {
+  long status = 0;
+  curl_easy_getinfo(curl, CURLINFO_RESPONSE_CODE, &status);
+  return status;
+}
+
 std::size_t receiveBody(char* bytes, std::size_t, std::size_t count, void* context) noexcept {
   auto& receiver = *static_cast<Receiver*>(context);
+  if (statusOf(receiver.curl) != kOk) return count;  // the page of an error, not an answer
   try {
     receiver.stopped = !receiver.receive({bytes, count});
   } catch (...) {
@@ -64,16 +72,26 @@ void configure(CURL* curl, const NSURLRequest& request, const std::string& autho
   curl_easy_setopt(curl, CURLOPT_LOW_SPEED_TIME, std::lround(request.timeoutInterval()));
   curl_easy_setopt(curl, CURLOPT_NOPROXY, "*");
   curl_easy_setopt(curl, CURLOPT_NOSIGNAL, 1L);
-  if (!authorityFile.empty()) curl_easy_setopt(curl, CURLOPT_CAINFO, authorityFile.c_str());
+  if (authorityFile.empty()) return;
+  curl_easy_setopt(curl, CURLOPT_CAINFO, authorityFile.c_str());
+  // The system's folder of authorities would otherwise be trusted beside the named file.
+  curl_easy_setopt(curl, CURLOPT_CAPATH, nullptr);
+}
+
+/// Whether no connection came about: refused, or out of time before it stood.
+bool isUnreachable(CURL* curl, CURLcode code) {
+  if (code != CURLE_OPERATION_TIMEDOUT) return code == CURLE_COULDNT_CONNECT;
+  curl_off_t connectedAfter = 0;
+  curl_easy_getinfo(curl, CURLINFO_CONNECT_TIME_T, &connectedAfter);
+  return connectedAfter == 0;
 }
 
 TransferResult resultOf(CURL* curl, CURLcode code, const char* detail) {
   if (code != CURLE_OK) {
     return {exitCodeFor(code), *detail ? detail : curl_easy_strerror(code),
-            code == CURLE_COULDNT_CONNECT};
+            isUnreachable(curl, code)};
   }
-  long status = 0;
-  curl_easy_getinfo(curl, CURLINFO_RESPONSE_CODE, &status);
+  const long status = statusOf(curl);
   if (status == kOk) return {};
   return {ExitCode::protocol, "the server answered with status " + std::to_string(status)};
 }
@@ -88,10 +106,9 @@ TransferResult sendCommand(const NSURLRequest& request, const std::string& autho
   const HeaderList headers(curl_slist_append(nullptr, "Accept-Encoding: gzip"),
                            &curl_slist_free_all);
   curl_easy_setopt(curl.get(), CURLOPT_HTTPHEADER, headers.get());
-  curl_easy_setopt(curl.get(), CURLOPT_FAILONERROR, 1L);
   std::array<char, CURL_ERROR_SIZE> detail{};
   curl_easy_setopt(curl.get(), CURLOPT_ERRORBUFFER, detail.data());
-  Receiver receiver{receive, nullptr};
+  Receiver receiver{curl.get(), receive, nullptr};
   curl_easy_setopt(curl.get(), CURLOPT_WRITEFUNCTION, &receiveBody);
   curl_easy_setopt(curl.get(), CURLOPT_WRITEDATA, &receiver);
   const CURLcode code = curl_easy_perform(curl.get());

@@ -16,10 +16,6 @@
 namespace rvf::tool {
 namespace {
 
-void complain(const std::string& message) {
-  std::cerr << "rvf: " << message << "\n";
-}
-
 std::string textOf(const Ref<NSError>& error) {
   if (!error) return "the answer cannot be read";
   return error->domain() + " " + std::to_string(error->code()) + ": " +
@@ -34,6 +30,10 @@ class Connection final {
 
   TransferResult run() {
     if (!url_) return {ExitCode::usage, "\"" + options_.command + "\" makes no URL"};
+    if (!url_->port()) {
+      return {ExitCode::unavailable,
+              "the server's port is above 32767, which base URLs cannot carry"};
+    }
     const auto request = NSURLRequest_RVFExtensions::RVF_postCommandWithURL(url_->absoluteURL());
     Ref<NSError> error;
     TransferResult result =

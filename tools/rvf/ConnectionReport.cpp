@@ -3,8 +3,9 @@
 
 #include <sys/resource.h>
 
-#include <cstdio>
 #include <iostream>
+
+#include "Platform/Text/Format.h"
 
 namespace rvf::tool {
 namespace {
@@ -36,14 +37,12 @@ void print(const ConnectionReport& report, bool asJson) {
     return;
   }
   printText(report.finding);
-  std::printf(
-      "url          %s\nelements     %llu\nproducts     %llu\nreceived     %llu bytes\n"
-      "inflated     %llu bytes\ntime         %.3f s\npeak memory  %.1f MiB\n",
-      report.url.c_str(), static_cast<unsigned long long>(report.answer.elementCount()),
-      static_cast<unsigned long long>(report.answer.productCount()),
-      static_cast<unsigned long long>(report.answer.bytesReceived()),
-      static_cast<unsigned long long>(report.answer.bytesInflated()), report.seconds,
-      static_cast<double>(peakMemoryKiB()) / 1024);
+  std::cout << "url          " << report.url << "\nelements     " << report.answer.elementCount()
+            << "\nproducts     " << report.answer.productCount() << "\nreceived     "
+            << report.answer.bytesReceived() << " bytes\ninflated     "
+            << report.answer.bytesInflated() << " bytes\ntime         "
+            << stringWithFormat("%.3f", report.seconds) << " s\npeak memory  "
+            << stringWithFormat("%.1f", static_cast<double>(peakMemoryKiB()) / 1024) << " MiB\n";
 }
 
 }  // namespace rvf::tool

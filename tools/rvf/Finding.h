@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "Platform/Network/SocketAddress.h"
@@ -31,7 +32,10 @@ void printText(const Finding& finding);
 
 /// JSON text in which bytes that are no UTF-8 are replaced.
 std::string jsonText(const nlohmann::json& value);
-/// A name as a terminal may show it: control characters become "?".
+/// Text from the network as a terminal may show it: controls and bytes that are no UTF-8 become
+/// "?".
 std::string printable(std::string_view text);
+/// Writes an error to standard error: one line, at most 1,000 bytes of it.
+void complain(std::string_view message);
 
 }  // namespace rvf::tool

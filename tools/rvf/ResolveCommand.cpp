@@ -10,7 +10,7 @@ namespace rvf::tool {
 ExitCode resolveCommand(const std::string& name, double timeoutSeconds, bool asJson) {
   const FindResult found = findServer(name, timeoutSeconds);
   if (!found.finding) {
-    std::cerr << "rvf: " << found.message << "\n";
+    complain(found.message);
     return found.code;
   }
   if (asJson) {

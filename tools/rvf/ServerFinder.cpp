@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tools/rvf/ServerFinder.h"
 
+#include <netdb.h>
+
 #include <csignal>
 #include <memory>
 #include <utility>
@@ -18,92 +20,130 @@ std::string textOf(const NSError& error) {
   return error.localizedDescription() + (suggestion ? " " + *suggestion : "");
 }
 
+/// How long a server that was found may take to tell whether it is a demo server.
+constexpr double kGraceSeconds = 2;
+
 /// Runs the main run loop until the search ends it or the time is up.
 class Search final {
  public:
-  explicit Search(double timeoutSeconds)
-      : signals_({SIGINT, SIGTERM}, [this](int) { fail(ExitCode::temporary, "interrupted"); }),
-        timer_(NSRunLoop::mainRunLoop()->scheduleTimer(
-            timeoutSeconds, {std::string(NSDefaultRunLoopMode)},
-            [this] { fail(timeoutCode_, timeoutMessage_); })) {}
+  Search()
+      : signals_({SIGINT, SIGTERM}, [this](int) { fail(ExitCode::temporary, "interrupted"); }) {}
 
-  void onTimeout(ExitCode code, std::string message) {
-    timeoutCode_ = code;
-    timeoutMessage_ = std::move(message);
+  /// Starts the time anew; the search fails like this when it is up.
+  void failAfter(double seconds, ExitCode code, const std::string& message) {
+    timer_ =
+        NSRunLoop::mainRunLoop()->scheduleTimer(seconds, {std::string(NSDefaultRunLoopMode)},
+                                                [this, code, message] { fail(code, message); });
   }
   void fail(ExitCode code, std::string message) {
     finish({std::nullopt, code, std::move(message)});
   }
   void succeed(Finding finding) { finish({std::move(finding), ExitCode::ok, ""}); }
-  void finish(FindResult result) {
-    if (isDone_) return;
-    isDone_ = true;
-    result_ = std::move(result);
-    NSRunLoop::mainRunLoop()->stop();
-  }
   FindResult run() {
     if (!isDone_) NSRunLoop::mainRunLoop()->run();
     return std::move(result_);
   }
 
  private:
+  void finish(FindResult result) {
+    if (isDone_) return;
+    isDone_ = true;
+    result_ = std::move(result);
+    NSRunLoop::mainRunLoop()->stop();
+  }
+
   SignalWatch signals_;
   std::unique_ptr<RunLoopSource> timer_;
-  ExitCode timeoutCode_ = ExitCode::temporary;
-  std::string timeoutMessage_ = "out of time";
   FindResult result_;
   bool isDone_ = false;
 };
 
-bool isWanted(const RVFQMServerService& server, const std::string& name) {
-  return server.isLoaded() && (name.empty() || server.name() == name);
-}
+/// Browses, and resolves the first server of the wanted name. Shared with the callbacks, which may
+/// come late.
+class ServerSearch final : public std::enable_shared_from_this<ServerSearch> {
+ public:
+  ServerSearch(std::string name, double timeoutSeconds)
+      : name_(std::move(name)), timeoutSeconds_(timeoutSeconds) {}
 
-void resolve(const Ref<RVFQMServerService>& server, double timeoutSeconds, Search& search) {
-  search.onTimeout(ExitCode::temporary, "the server does not resolve in time");
-  RVF_resolveWithTimeout(
-      server->mainService(), timeoutSeconds,
-      [&search, server](const Ref<NSNetService>& service, const Ref<NSError>& error, bool) {
-        if (error) {
-          search.fail(ExitCode::temporary, textOf(*error));
-        } else {
-          search.succeed({server->name().value_or(""), server->isDemo(), service->addresses()});
-        }
-      });
+  FindResult run() {
+    search_.failAfter(
+        timeoutSeconds_, ExitCode::noHost,
+        name_.empty() ? "no server was found" : "no server \"" + name_ + "\" was found");
+    const auto browser = RVFQMServerServiceBrowser::serviceBrowser();
+    browser->startBrowsingWithServiceListChangedHandler(
+        [self = shared_from_this()](const auto& added, const auto& /*removed*/,
+                                    const auto& changed) {
+          if (added && self->isWanted(*added)) self->resolveAfterGrace(added);
+          if (changed && changed->isLoaded() && self->isWanted(*changed)) self->resolve(changed);
+        });
+    FindResult result = search_.run();
+    grace_.reset();
+    browser->stop();
+    return result;
+  }
+
+ private:
+  bool isWanted(const RVFQMServerService& server) const {
+    return name_.empty() || server.name() == name_;
+  }
+
+  /// A server whose record tells no demo flag is never loaded, but can be connected to.
+  void resolveAfterGrace(const Ref<RVFQMServerService>& server) {
+    if (grace_) return;
+    grace_ = NSRunLoop::mainRunLoop()->scheduleTimer(
+        kGraceSeconds, {std::string(NSDefaultRunLoopMode)}, [this, server] { resolve(server); });
+  }
+
+  void resolve(const Ref<RVFQMServerService>& server) {
+    if (isResolving_ || !server->mainService()) return;
+    isResolving_ = true;
+    search_.failAfter(timeoutSeconds_, ExitCode::temporary, "the server does not resolve in time");
+    RVF_resolveWithTimeout(server->mainService(), timeoutSeconds_,
+                           [self = shared_from_this(), server](const Ref<NSNetService>& service,
+                                                               const Ref<NSError>& error, bool) {
+                             self->resolved(*server, *service, error);
+                           });
+  }
+
+  void resolved(const RVFQMServerService& server, const NSNetService& service,
+                const Ref<NSError>& error) {
+    if (error) return search_.fail(ExitCode::temporary, textOf(*error));
+    search_.succeed({server.name().value_or(""),
+                     server.isLoaded() ? std::optional(server.isDemo()) : std::nullopt,
+                     service.addresses()});
+  }
+
+  const std::string name_;
+  const double timeoutSeconds_;
+  Search search_;
+  std::unique_ptr<RunLoopSource> grace_;
+  bool isResolving_ = false;
+};
+
+ExitCode exitCodeFor(const NSError& lookupError) {
+  return lookupError.code() == EAI_AGAIN ? ExitCode::temporary : ExitCode::noHost;
 }
 
 }  // namespace
 
 FindResult findServer(const std::string& name, double timeoutSeconds) {
-  Search search(timeoutSeconds);
-  search.onTimeout(ExitCode::noHost,
-                   name.empty() ? "no server was found" : "no server \"" + name + "\" was found");
-  const auto browser = RVFQMServerServiceBrowser::serviceBrowser();
-  bool isResolving = false;
-  browser->startBrowsingWithServiceListChangedHandler(
-      [&](const auto& /*added*/, const auto& /*removed*/, const auto& changed) {
-        if (!changed || isResolving || !isWanted(*changed, name)) return;
-        isResolving = true;
-        resolve(changed, timeoutSeconds, search);
-      });
-  FindResult result = search.run();
-  browser->stop();
-  return result;
+  return std::make_shared<ServerSearch>(name, timeoutSeconds)->run();
 }
 
 FindResult findStaticServer(const std::string& address, double timeoutSeconds) {
-  Search search(timeoutSeconds);
+  Search search;
+  search.failAfter(timeoutSeconds, ExitCode::temporary, "the address does not resolve in time");
   const auto server = RVFStaticServer::staticServerWithAddress(address);
   server->resolveUsingCompletion(
       [&search](const auto& resolved, const auto& addresses, const Ref<NSError>& error, bool) {
         if (error) {
-          search.fail(ExitCode::noHost, textOf(*error));
+          search.fail(exitCodeFor(*error), textOf(*error));
         } else if (addresses) {
           search.succeed({resolved->displayName(), std::nullopt, *addresses});
         }
       });
   FindResult result = search.run();
-  server->stopResolving();
+  server->stopResolving();  // the completion is called or dropped here, before `search` ends
   return result;
 }
 

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -103,6 +104,7 @@ ExitCode run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
   ExitCode result = ExitCode::software;
+  std::signal(SIGPIPE, SIG_IGN);  // a closed pipe is a failed write, exit code 74
   curl_global_init(CURL_GLOBAL_DEFAULT);
   try {
     result = run(argc, argv);

@@ -16,6 +16,7 @@ SignalWatch::SignalWatch(std::initializer_list<int> signals, std::function<void(
     sigaddset(&set, signal);
   pthread_sigmask(SIG_BLOCK, &set, &formerMask_);
   descriptor_ = signalfd(-1, &set, SFD_NONBLOCK | SFD_CLOEXEC);
+  if (descriptor_ < 0) pthread_sigmask(SIG_SETMASK, &formerMask_, nullptr);
   if (descriptor_ < 0) throw std::system_error(errno, std::generic_category(), "signalfd");
   rvf::DescriptorEvents readable;
   readable.readable = true;

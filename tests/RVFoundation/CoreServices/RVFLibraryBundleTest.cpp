@@ -30,7 +30,7 @@ constexpr std::string_view kAdvice =
 TEST_F(RVFLibraryBundleTest, TranslatesTheTextsOfTheDefaultTable) {
   EXPECT_EQ(localized("de_DE", "An error occurred while receiving data."),
             "Beim Empfangen von Daten ist ein Fehler aufgetreten.");
-  EXPECT_EQ(localized("fr_CA", "%@ (Back to My Mac)"), "%@ (Accès à mon Mac)");
+  EXPECT_EQ(localized("fr_CA", "%@ (Back to My Mac)"), "%@ (réseau étendu)");
 }
 
 TEST_F(RVFLibraryBundleTest, TranslatesTheTextsOfANamedTable) {

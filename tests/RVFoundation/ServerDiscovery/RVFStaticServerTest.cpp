@@ -252,8 +252,9 @@ TEST(RVFStaticServer, ANewResolutionReplacesThePendingOneDirectly) {
   EXPECT_EQ(first[0].addresses, std::nullopt);
   EXPECT_EQ(first[0].error, nullptr);
   gate.open("one");
-  EXPECT_TRUE(runUntil([&] { return !second.empty(); }));
+  ASSERT_TRUE(runUntil([&] { return !second.empty(); }));
   EXPECT_FALSE(second[0].wasReplaced);
+  EXPECT_TRUE(runUntil([&] { return server.use_count() == 1; })) << "both look-ups have ended";
 }
 
 TEST(RVFStaticServer, TheFirstFinishedLookupReachesWhicheverCompletionIsPending) {
