@@ -134,8 +134,8 @@ void NSNetServiceBrowser::Core::failed(NSNetServicesError error) {
 }
 
 void NSNetServiceBrowser::Core::stop() {
-  queue_.dropAll();
   if (!std::exchange(isSearching_, false)) return;
+  queue_.dropAll();
   activity_.reset();
   backend_.reset();
   sightings_ = {};

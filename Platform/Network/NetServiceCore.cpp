@@ -71,7 +71,10 @@ void NSNetService::Core::resolve(double timeoutSeconds) {
 }
 
 void NSNetService::Core::located(const std::string& host, std::uint16_t foundPort) {
-  hostName = withFinalDot(host);
+  const std::string foundHost = withFinalDot(host);
+  // The service has moved: what was known of its former place would lead astray.
+  if (hostName != foundHost || port != foundPort) addresses.clear();
+  hostName = foundHost;
   port = foundPort;
 }
 

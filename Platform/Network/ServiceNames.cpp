@@ -60,6 +60,9 @@ bool isServiceType(std::string_view text) noexcept {
 }
 
 std::optional<std::string> fullServiceName(const ServiceIdentity& identity) {
+  for (const std::string* part : {&identity.name, &identity.type, &identity.domain}) {
+    if (part->find('\0') != std::string::npos) return std::nullopt;  // Avahi would cut there
+  }
   std::array<char, AVAHI_DOMAIN_NAME_MAX> full{};
   const char* const domain = identity.domain.empty() ? "local" : identity.domain.c_str();
   const int error = avahi_service_name_join(full.data(), full.size(), identity.name.c_str(),

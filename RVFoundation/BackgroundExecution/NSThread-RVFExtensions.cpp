@@ -10,19 +10,23 @@ namespace {
 
 using Block = std::function<void()>;
 
+Block running(Block block) {
+  return [block = std::move(block)] { NSThread_RVFExtensions::RVF_runBlock(block); };
+}
+
 }  // namespace
 
 void RVF_performBlock(const Ref<NSThread>& thread, Block block, bool waitUntilDone,
                       const RunLoopModes& modes) {
   if (!thread) return;
   if (thread->isCurrentThread()) return block();
-  performBlockOnThread(thread, std::move(block), waitUntilDone, modes);
+  performBlockOnThread(thread, running(std::move(block)), waitUntilDone, modes);
 }
 
 void RVF_performBlock(const Ref<NSThread>& thread, Block block, bool waitUntilDone) {
   if (!thread) return;
   if (thread->isCurrentThread()) return block();
-  performBlockOnThread(thread, std::move(block), waitUntilDone);
+  performBlockOnThread(thread, running(std::move(block)), waitUntilDone);
 }
 
 void RVF_performBlock(const Ref<NSThread>& thread, Block block) {
@@ -30,7 +34,7 @@ void RVF_performBlock(const Ref<NSThread>& thread, Block block) {
 }
 
 void NSThread_RVFExtensions::RVF_performBlockInBackground(Block block) {
-  NSThread::detachNewThread([block = std::move(block)] { RVF_runBlock(block); });
+  NSThread::detachNewThread(running(std::move(block)));
 }
 
 void NSThread_RVFExtensions::RVF_runBlock(const Block& block) {

@@ -14,6 +14,10 @@ namespace {
 
 const ClassRegistration kRegistration(&RVFRecoveryAttempterBlock::classObject);
 
+using ModalForm = bool (RVFRecoveryAttempterBlock::*)(const Ref<NSError>&, std::size_t);
+using SheetForm = void (RVFRecoveryAttempterBlock::*)(const Ref<NSError>&, std::size_t, const id&,
+                                                      SEL, const void*);
+
 constexpr std::size_t kDidRecoverArgument = 2;
 constexpr std::size_t kRecoveryErrorArgument = 3;
 
@@ -33,6 +37,10 @@ Class RVFRecoveryAttempterBlock::classObject() {
           .ivar<&RVFRecoveryAttempterBlock::handler_>("_handler")
           .method<&RVFRecoveryAttempterBlock::handler>("handler")
           .method<&RVFRecoveryAttempterBlock::setHandler>("setHandler:")
+          .method<static_cast<ModalForm>(&RVFRecoveryAttempterBlock::attemptRecoveryFromError)>(
+              "attemptRecoveryFromError:optionIndex:")
+          .method<static_cast<SheetForm>(&RVFRecoveryAttempterBlock::attemptRecoveryFromError)>(
+              "attemptRecoveryFromError:optionIndex:delegate:didRecoverSelector:contextInfo:")
           .registered();
   return kClass;
 }

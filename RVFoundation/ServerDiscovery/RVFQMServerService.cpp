@@ -43,6 +43,11 @@ Class RVFQMServerService::classObject() {
           .ivar<&RVFQMServerService::serviceChangedHandler_>("_serviceChangedHandler")
           .ivar<&RVFQMServerService::isDemo_>("_isDemo")
           .ivar<&RVFQMServerService::isLoaded_>("_isLoaded")
+          .method<&RVFQMServerService::netServices>("netServices")
+          .method<&RVFQMServerService::serviceChangedHandler>("serviceChangedHandler")
+          .method<&RVFQMServerService::setServiceChangedHandler>("setServiceChangedHandler:")
+          .method<&RVFQMServerService::netServiceDidUpdateTXTRecordData>(
+              "netService:didUpdateTXTRecordData:")
           .method<&RVFQMServerService::mainService>("mainService")
           .method<&RVFQMServerService::setMainService>("setMainService:")
           .method<&RVFQMServerService::isDemo>("isDemo")

@@ -43,6 +43,17 @@ Class RVFQMServerServiceBrowser::classObject() {
           .ivar("_servicesByName", "@")
           .method<&RVFQMServerServiceBrowser::serviceType>("serviceType")
           .method<&RVFQMServerServiceBrowser::setServiceType>("setServiceType:")
+          .method<&RVFQMServerServiceBrowser::serviceListChangedHandler>(
+              "serviceListChangedHandler")
+          .method<&RVFQMServerServiceBrowser::setServiceListChangedHandler>(
+              "setServiceListChangedHandler:")
+          .method<&RVFQMServerServiceBrowser::services>("services")
+          .method<&RVFQMServerServiceBrowser::startBrowsingWithServiceListChangedHandler>(
+              "startBrowsingWithServiceListChangedHandler:")
+          .method<&RVFQMServerServiceBrowser::netServiceBrowserDidFindService>(
+              "netServiceBrowser:didFindService:moreComing:")
+          .method<&RVFQMServerServiceBrowser::netServiceBrowserDidRemoveService>(
+              "netServiceBrowser:didRemoveService:moreComing:")
           .method<&RVFQMServerServiceBrowser::stop>("stop")
           .method<&RVFQMServerServiceBrowser::serviceForName>("serviceForName:")
           .method<&RVFQMServerServiceBrowser::cleanupNetServices>("cleanupNetServices")

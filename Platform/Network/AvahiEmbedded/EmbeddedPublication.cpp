@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Platform/Network/AvahiEmbedded/EmbeddedPublication.h"
 
+#include <avahi-common/domain.h>
 #include <avahi-common/error.h>
 #include <avahi-common/malloc.h>
 
@@ -12,7 +13,7 @@
 namespace rvf {
 namespace {
 
-constexpr std::string_view kLocalDomain = "local.";
+constexpr const char* kLocalDomain = "local.";
 constexpr std::string_view kTypeEnumerator = "_services._dns-sd._udp.";  // RFC 6763, 9
 
 }  // namespace
@@ -20,8 +21,13 @@ constexpr std::string_view kTypeEnumerator = "_services._dns-sd._udp.";  // RFC 
 EmbeddedPublication::EmbeddedPublication(std::shared_ptr<EmbeddedStack> stack,
                                          Publication publication, PublishEvents events)
     : stack_(std::move(stack)), publication_(std::move(publication)), outbox_(std::move(events)) {
-  if (publication_.identity.domain.empty()) publication_.identity.domain = kLocalDomain;
-  stack_->add(*this);
+  std::string& domain = publication_.identity.domain;
+  if (domain.empty()) domain = kLocalDomain;
+  if (avahi_domain_equal(domain.c_str(), kLocalDomain)) {
+    stack_->add(*this);
+  } else {
+    outbox_.send(&PublishEvents::failed, NSNetServicesError::badArgument);
+  }
 }
 
 EmbeddedPublication::~EmbeddedPublication() {

@@ -82,7 +82,9 @@ HostAddressWatch::HostAddressWatch(NSRunLoop& loop, std::function<void()> change
 /// What the messages say is not read: lost ones (ENOBUFS) make no difference then.
 void HostAddressWatch::drain() {
   std::array<char, 8192> buffer;
-  while (::recv(socket_.get(), buffer.data(), buffer.size(), 0) > 0 || errno == ENOBUFS) {
+  for (;;) {
+    const ssize_t length = ::recv(socket_.get(), buffer.data(), buffer.size(), 0);
+    if (length <= 0 && !(length < 0 && errno == ENOBUFS)) break;
   }
   const auto changed = changed_;
   changed();

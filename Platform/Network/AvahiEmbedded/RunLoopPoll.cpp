@@ -45,11 +45,14 @@ struct AvahiWatch {
     rvf::DescriptorEvents events;
     events.readable = (wanted & AVAHI_WATCH_IN) != 0;
     events.writable = (wanted & AVAHI_WATCH_OUT) != 0;
-    source = poll.loop().watchDescriptor(descriptor, events, commonModes(),
-                                         [this](rvf::DescriptorEvents found) {
-                                           happened = avahiEvents(found);
-                                           callback(this, descriptor, happened, userdata);
-                                         });
+    // Avahi asserts that what it watches for reading is readable. Reading is also what takes an
+    // error off a socket, so errors and hang-ups are passed on as something to read.
+    source = poll.loop().watchDescriptor(
+        descriptor, events, commonModes(), [this, events](rvf::DescriptorEvents found) {
+          found.readable = found.readable || (events.readable && (found.error || found.hangUp));
+          happened = avahiEvents(found);
+          callback(this, descriptor, happened, userdata);
+        });
   }
 };
 
@@ -76,7 +79,8 @@ RunLoopPoll& pollOf(const AvahiPoll* api) noexcept {
   return *static_cast<RunLoopPoll*>(api->userdata);
 }
 
-// Called from C: out of memory ends the process here, nothing else can be thrown.
+// Called from C, which cannot be unwound: out of memory, or a system that lets no more descriptors
+// be watched, ends the process here.
 
 AvahiWatch* watchNew(const AvahiPoll* api, int descriptor, AvahiWatchEvent wanted,
                      AvahiWatchCallback callback, void* userdata) noexcept {

@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "Platform/Runtime/ClassBuilder.h"
+#include "Platform/Runtime/Messaging.h"
 #include "Platform/Runtime/NSException.h"
 
 namespace rvf {
@@ -91,6 +92,23 @@ TEST(RVFRecoveryAttempterBlock, SheetFormRaisesForADelegateWithoutTheSelector) {
   EXPECT_THROW(
       attempter->attemptRecoveryFromError(kProblem, 0, nullptr, SEL("didRecover:"), nullptr),
       NSException);
+}
+
+TEST(RVFRecoveryAttempterBlock, IsReachedThroughTheUserInfoOfAnError) {
+  const auto error = NSError::errorWithDomain(
+      "Other", 1,
+      NSDictionary::dictionaryWithEntries(
+          {{NSRecoveryAttempterErrorKey, RVFRecoveryAttempterBlock::recoveryAttempterWithHandler(
+                                             [](const Ref<NSError>&, std::size_t option,
+                                                Ref<NSError>*) { return option == 1; })}}));
+  const id attempter = error->userInfo()->objectForKey("NSRecoveryAttempter");
+  EXPECT_TRUE(
+      send<bool>(attempter, SEL("attemptRecoveryFromError:optionIndex:"), error, std::size_t{1}));
+  const auto delegate = std::make_shared<SheetDelegate>();
+  send(attempter,
+       SEL("attemptRecoveryFromError:optionIndex:delegate:didRecoverSelector:contextInfo:"), error,
+       std::size_t{0}, id(delegate), SEL("didRecover:"), static_cast<const void*>(nullptr));
+  EXPECT_EQ(delegate->recovered_, false);
 }
 
 TEST(RVFRecoveryAttempterBlock, HandlerMayReplaceItselfWhileItRuns) {

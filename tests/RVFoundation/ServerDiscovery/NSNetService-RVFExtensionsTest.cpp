@@ -143,6 +143,21 @@ TEST_F(ResolveTest, TheCompletionMayResolveAnew) {
   EXPECT_EQ(resolutions_.size(), 1U);
 }
 
+TEST_F(ResolveTest, ASecondResolutionTakesTheDelegateAndTheFirstNeverCompletes) {
+  int first = 0;
+  RVF_resolveWithTimeout(service_, 0, [&first](const auto&, const auto&, bool) { ++first; });
+  const auto firstResolver = service_->delegate();
+  resolve();
+  EXPECT_NE(service_->delegate(), firstResolver);
+  turn();
+  EXPECT_EQ(resolutions_.size(), 1U) << "the registration is busy";
+  EXPECT_EQ(resolutions_[0].error->code(), -72003);
+  service_->stop();
+  EXPECT_EQ(first, 0);
+  firstResolver->netServiceDidStop(service_);  // breaks the cycle that keeps it
+  EXPECT_EQ(first, 1);
+}
+
 TEST_F(ResolveTest, AnAbsentRegistrationIsIgnored) {
   RVF_resolveWithTimeout(nullptr, 1, [](const auto&, const auto&, bool) { FAIL(); });
   EXPECT_TRUE(discovery_->resolutions.empty());

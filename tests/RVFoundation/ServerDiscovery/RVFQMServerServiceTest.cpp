@@ -110,6 +110,32 @@ TEST_F(RVFQMServerServiceTest, RemovingTheMainOneTakesTheLocalOneWhateverTheOrde
   EXPECT_EQ(server_->mainService(), local);
 }
 
+TEST_F(RVFQMServerServiceTest, RemovingTheMainOneTakesALocalOneThatCameBeforeARemoteOne) {
+  const auto first = registration("local.", "One");
+  const auto local = registration("local.");
+  const auto remote = registration("a.b.");
+  for (const auto& service : {first, local, remote})
+    server_->addNetService(service);
+  server_->removeNetService(first);
+  EXPECT_EQ(server_->mainService(), local);
+}
+
+TEST_F(RVFQMServerServiceTest, ARemoteRegistrationBesideALocalOneKeepsMainAndName) {
+  const auto local = registration("local.");
+  server_->addNetService(local);
+  server_->addNetService(registration(wideAreaDomain()));
+  EXPECT_EQ(server_->mainService(), local);
+  EXPECT_EQ(server_->name(), "Till");
+}
+
+TEST_F(RVFQMServerServiceTest, AnEmptyDomainSuffixMarksNothing) {
+  const auto former = RVFQMServerService::wideAreaDomainSuffixes();
+  RVFQMServerService::setWideAreaDomainSuffixes({"one.", ""});
+  server_->addNetService(registration("local."));
+  EXPECT_FALSE(server_->isUsingBackToMyMac());
+  RVFQMServerService::setWideAreaDomainSuffixes(former);
+}
+
 TEST_F(RVFQMServerServiceTest, RemovingTheMainOneTakesTheFirstWhereNoneIsLocal) {
   const auto local = registration("local.");
   const auto a = registration("a.b.");
