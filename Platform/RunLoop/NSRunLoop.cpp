@@ -60,7 +60,7 @@ void NSRunLoop::performInModes(const RunLoopModes& modes, Block block) {
   if (!modes.empty()) core_->post(ItemModes(modes), std::move(block));
 }
 
-void NSRunLoop::performBlock(Block block) {
+void NSRunLoop::performBlock(Block&& block) {
   core_->post(ItemModes(), std::move(block));
 }
 

@@ -77,7 +77,8 @@ class RVF_EXPORT NSRunLoop final : public NSObject {
   /// modes drops the block.
   void performInModes(const RunLoopModes& modes, Block block);
   /// Queues a block in the common modes. Any thread.
-  void performBlock(Block block);
+  void performBlock(Block&& block);
+  void performBlock(const Block& block) { performBlock(Block(block)); }
 
   /// Calls `block` once after `delaySeconds` (0 or less: on a later turn).
   [[nodiscard]] std::unique_ptr<RunLoopSource> scheduleTimer(double delaySeconds,

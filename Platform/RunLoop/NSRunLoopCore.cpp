@@ -100,7 +100,7 @@ void NSRunLoop::Core::sendWake() {
   uv_async_send(&async_);
 }
 
-void NSRunLoop::Core::post(ItemModes modes, Block block) {
+void NSRunLoop::Core::post(ItemModes&& modes, Block&& block) {
   posts_.add(std::move(block), std::move(modes), [this] { sendWake(); });
 }
 
@@ -240,12 +240,11 @@ bool NSRunLoop::Core::callOut(std::string_view mode) {
 bool NSRunLoop::Core::callPosts(std::string_view mode, std::uint64_t end) {
   bool called = false;
   std::uint64_t from = 0;
-  while (!stopRequested_) {
-    const NSAutoreleasePool pool;
-    const auto block = posts_.take(running(mode), from, end);
-    if (!block) break;
+  const RunningMode runningMode = running(mode);
+  NSAutoreleasePool pool;  // drained after every callout, which is cheaper than opening another
+  while (!stopRequested_ && posts_.callNext(runningMode, from, end)) {
     called = true;
-    (*block)();
+    pool.drain();
   }
   return called;
 }

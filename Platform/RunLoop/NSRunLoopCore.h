@@ -35,7 +35,7 @@ class NSRunLoop::Core final : public std::enable_shared_from_this<NSRunLoop::Cor
   ~Core();
 
   // Any thread
-  void post(ItemModes modes, Block block);
+  void post(ItemModes&& modes, Block&& block);
   void stop();
   void wakeUp();
   std::shared_ptr<RunLoopClock> clock() const;

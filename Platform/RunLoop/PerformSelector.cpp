@@ -88,7 +88,7 @@ class AwaitedBlock final {
 };
 
 /// In the common modes if `modes` is null.
-void post(NSRunLoop& loop, Block block, const RunLoopModes* modes) {
+void post(NSRunLoop& loop, Block&& block, const RunLoopModes* modes) {
   if (modes) {
     loop.performInModes(*modes, std::move(block));
   } else {
@@ -96,7 +96,7 @@ void post(NSRunLoop& loop, Block block, const RunLoopModes* modes) {
   }
 }
 
-void postAndWait(NSRunLoop& loop, Block block, const RunLoopModes* modes) {
+void postAndWait(NSRunLoop& loop, Block&& block, const RunLoopModes* modes) {
   const auto waiting = std::make_shared<Waiting>();
   auto awaited = std::make_shared<AwaitedBlock>(std::move(block), waiting);
   post(
@@ -104,7 +104,7 @@ void postAndWait(NSRunLoop& loop, Block block, const RunLoopModes* modes) {
   waiting->wait();
 }
 
-void perform(const Ref<NSThread>& thread, Block block, bool waitUntilDone,
+void perform(const Ref<NSThread>& thread, Block&& block, bool waitUntilDone,
              const RunLoopModes* modes) {
   if (modes && modes->empty()) return;
   if (!thread) NSException::raise(NSInvalidArgumentException, "the target thread is absent");
@@ -136,11 +136,11 @@ void performSelectorOnThread(const id& target, SEL selector, const Ref<NSThread>
   if (target) perform(thread, messageBlock(target, selector, argument), waitUntilDone, &modes);
 }
 
-void performBlockOnThread(const Ref<NSThread>& thread, Block block, bool waitUntilDone) {
+void performBlockOnThread(const Ref<NSThread>& thread, Block&& block, bool waitUntilDone) {
   perform(thread, std::move(block), waitUntilDone, nullptr);
 }
 
-void performBlockOnThread(const Ref<NSThread>& thread, Block block, bool waitUntilDone,
+void performBlockOnThread(const Ref<NSThread>& thread, Block&& block, bool waitUntilDone,
                           const RunLoopModes& modes) {
   perform(thread, std::move(block), waitUntilDone, &modes);
 }

@@ -39,9 +39,9 @@ RVF_EXPORT void performSelectorOnThread(const id& target, SEL selector, const Re
                                         const RunLoopModes& modes);
 
 /// Calls a block instead, by the same rules.
-RVF_EXPORT void performBlockOnThread(const Ref<NSThread>& thread, NSThread::Block block,
+RVF_EXPORT void performBlockOnThread(const Ref<NSThread>& thread, NSThread::Block&& block,
                                      bool waitUntilDone);
-RVF_EXPORT void performBlockOnThread(const Ref<NSThread>& thread, NSThread::Block block,
+RVF_EXPORT void performBlockOnThread(const Ref<NSThread>& thread, NSThread::Block&& block,
                                      bool waitUntilDone, const RunLoopModes& modes);
 
 /// On the calling thread's own loop, after `delaySeconds`; 0 or less: on a later turn, never

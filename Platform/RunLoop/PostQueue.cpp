@@ -36,32 +36,21 @@ bool PostQueue::hasBlock(const RunningMode& mode) const {
          std::any_of(next, fresh_.end(), matches);
 }
 
-std::optional<PostQueue::Block> PostQueue::takeSkipped(const RunningMode& mode, std::uint64_t& from,
-                                                       std::uint64_t end) {
+bool PostQueue::callSkipped(const RunningMode& mode, std::uint64_t& from, std::uint64_t end) {
   for (auto entry = skipped_.lower_bound(from); entry != skipped_.end() && entry->first < end;
        ++entry) {
     if (!entry->second.modes.match(mode)) continue;
     from = entry->first + 1;
-    Block block = std::move(entry->second.block);
+    const Block block = std::move(entry->second.block);
     skipped_.erase(entry);
-    return block;
+    block();
+    return true;
   }
-  return std::nullopt;
+  return false;
 }
 
-std::optional<PostQueue::Block> PostQueue::take(const RunningMode& mode, std::uint64_t& from,
-                                                std::uint64_t end) {
-  if (!skipped_.empty()) {
-    if (auto block = takeSkipped(mode, from, end)) return block;
-  }
-  while (nextFresh_ < fresh_.size() && firstFresh_ + nextFresh_ < end) {
-    const std::uint64_t position = firstFresh_ + nextFresh_;
-    Item& item = fresh_[nextFresh_++];
-    from = position + 1;
-    if (item.modes.match(mode)) return std::move(item.block);
-    skipped_.emplace(position, std::move(item));
-  }
-  return std::nullopt;
+void PostQueue::skip(std::uint64_t position, Item&& item) {
+  skipped_.emplace(position, std::move(item));
 }
 
 void PostQueue::close() {

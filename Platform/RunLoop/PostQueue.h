@@ -6,7 +6,6 @@
 #include <functional>
 #include <map>
 #include <mutex>
-#include <optional>
 #include <utility>
 #include <vector>
 
@@ -29,10 +28,10 @@ class PostQueue final {
   /// Adds a block and calls `wake`, still under the lock, if the loop may be waiting. A closed
   /// queue drops the block.
   template <class Wake>
-  void add(Block block, ItemModes modes, const Wake& wake) {
+  void add(Block&& block, ItemModes&& modes, const Wake& wake) {
     const std::lock_guard lock(mutex_);
     if (closed_) return;
-    incoming_.push_back({std::move(block), std::move(modes)});
+    incoming_.emplace_back(std::move(block), std::move(modes));
     wakeIfWaiting(wake);
   }
 
@@ -52,13 +51,29 @@ class PostQueue final {
   bool hasBlock(const RunningMode& mode) const;
   /// The position after the last block taken over: where a batch that starts now ends.
   std::uint64_t end() const { return firstFresh_ + fresh_.size(); }
-  /// Takes out the first block of this mode in [from, end), and moves `from` behind it.
-  std::optional<Block> take(const RunningMode& mode, std::uint64_t& from, std::uint64_t end);
+  /// Takes out and calls the first block of this mode in [from, end), and moves `from` behind it.
+  /// False if there is none.
+  bool callNext(const RunningMode& mode, std::uint64_t& from, std::uint64_t end) {
+    if (!skipped_.empty() && callSkipped(mode, from, end)) return true;
+    while (nextFresh_ < fresh_.size() && firstFresh_ + nextFresh_ < end) {
+      Item& item = fresh_[nextFresh_++];
+      from = firstFresh_ + nextFresh_;
+      if (item.modes.match(mode)) {
+        const Block block = std::move(item.block);  // the list may change while it runs
+        block();
+        return true;
+      }
+      skip(from - 1, std::move(item));
+    }
+    return false;
+  }
   /// Refuses additions from now on and drops every block.
   void close();
 
  private:
   struct Item {
+    Item(Block&& itsBlock, ItemModes&& itsModes) noexcept
+        : block(std::move(itsBlock)), modes(std::move(itsModes)) {}
     Block block;
     ItemModes modes;
   };
@@ -69,7 +84,8 @@ class PostQueue final {
     waiting_ = false;
     wake();
   }
-  std::optional<Block> takeSkipped(const RunningMode& mode, std::uint64_t& from, std::uint64_t end);
+  bool callSkipped(const RunningMode& mode, std::uint64_t& from, std::uint64_t end);
+  void skip(std::uint64_t position, Item&& item);
 
   std::mutex mutex_;
   std::vector<Item> incoming_;  // guarded by mutex_

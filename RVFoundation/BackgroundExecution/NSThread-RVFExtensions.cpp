@@ -30,7 +30,9 @@ void RVF_performBlock(const Ref<NSThread>& thread, Block block, bool waitUntilDo
 }
 
 void RVF_performBlock(const Ref<NSThread>& thread, Block block) {
-  RVF_performBlock(thread, std::move(block), false);
+  if (!thread) return;
+  if (thread->isCurrentThread()) return block();
+  performBlockOnThread(thread, std::move(block), false);
 }
 
 void NSThread_RVFExtensions::RVF_performBlockInBackground(Block block) {
