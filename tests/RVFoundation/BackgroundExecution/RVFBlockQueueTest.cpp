@@ -107,6 +107,7 @@ TEST_F(RVFBlockQueueTest, TheRunningStepDoesNotCountAsWaiting) {
   queue->addBlock(pendingStep("a"));
   queue->executeQueue();
   EXPECT_TRUE(queue->empty());
+  kept(nullptr);
 }
 
 TEST_F(RVFBlockQueueTest, AStepIsHandedItsQueue) {
@@ -259,6 +260,7 @@ TEST_F(RVFBlockQueueLifetimeTest, ANewQueueLivesUntilTheScopeEnds) {
 TEST_F(RVFBlockQueueLifetimeTest, ARunningQueueOutlivesTheReferencesOfOthers) {
   const auto queue = started();
   EXPECT_FALSE(queue.expired());
+  kept(nullptr);
 }
 
 TEST_F(RVFBlockQueueLifetimeTest, TheReferenceIsGivenUpWhenTheScopeEnds) {
