@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// Messages against virtual calls, and release scopes. "ratio" is the time of one operation divided
+// by that of one virtual call (or of one allocation) measured in the same run.
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "Platform/Runtime/ClassBuilder.h"
+#include "Platform/Runtime/Messaging.h"
+#include "Platform/Runtime/NSAutoreleasePool.h"
+
+namespace rvf {
+namespace {
+
+class Counter : public NSObject {
+ public:
+  explicit Counter(Class aClass) : class_(aClass) {}
+  Class isa() const override { return class_; }
+  virtual int next() { return ++count_; }
+
+ private:
+  const Class class_;
+  int count_ = 0;
+};
+
+/// A class `depth` levels below the one that has the method.
+Class classBelow(int depth) {
+  static const Class kRoot = ClassBuilder<Counter>("BenchmarkCounter", NSObject::classObject())
+                                 .method<&Counter::next>("next")
+                                 .registered();
+  static std::vector<Class> chain = {kRoot};
+  while (static_cast<int>(chain.size()) <= depth) {
+    chain.push_back(
+        ClassBuilder<Counter>("BenchmarkCounter" + std::to_string(chain.size()), chain.back())
+            .registered());
+  }
+  return chain[static_cast<std::size_t>(depth)];
+}
+
+template <class Operation>
+double nanosecondsOf(Operation operation) {
+  constexpr int kCalls = 200'000;
+  double best = 1e9;
+  for (int run = 0; run < 15; ++run) {
+    const auto start = std::chrono::steady_clock::now();
+    for (int i = 0; i < kCalls; ++i)
+      operation();
+    const std::chrono::duration<double, std::nano> taken = std::chrono::steady_clock::now() - start;
+    best = std::min(best, taken.count() / kCalls);
+  }
+  return best;
+}
+
+/// Runs the operation under the benchmark's clock, and both operations in turn for the ratio.
+template <class Operation, class Limit>
+void compare(benchmark::State& state, Operation operation, Limit limit) {
+  for (auto _ : state)
+    operation();
+  state.counters["ratio"] = nanosecondsOf(operation) / nanosecondsOf(limit);
+}
+
+void virtualCall(benchmark::State& state) {
+  Counter counter(classBelow(0));
+  Counter* receiver = &counter;
+  benchmark::DoNotOptimize(receiver);
+  for (auto _ : state)
+    benchmark::DoNotOptimize(receiver->next());
+}
+BENCHMARK(virtualCall);
+
+void sendAgainstVirtualCall(benchmark::State& state) {
+  Counter counter(classBelow(static_cast<int>(state.range(0))));
+  Counter* receiver = &counter;
+  benchmark::DoNotOptimize(receiver);
+  static const SEL kNext("next");
+  const int before = receiver->next();
+  if (send<int>(*receiver, kNext) != before + 1) state.SkipWithError("another result");
+  compare(
+      state, [&] { benchmark::DoNotOptimize(send<int>(*receiver, kNext)); },
+      [&] {
+        benchmark::DoNotOptimize(receiver);
+        benchmark::DoNotOptimize(receiver->next());
+      });
+}
+BENCHMARK(sendAgainstVirtualCall)->ArgName("depth")->Arg(0)->Arg(1)->Arg(4)->Arg(16);
+
+void convertedSend(benchmark::State& state) {
+  Counter counter(classBelow(0));
+  static const SEL kNext("next");
+  enum class Count : std::int32_t {};
+  compare(
+      state, [&] { benchmark::DoNotOptimize(send<Count>(counter, kNext)); },
+      [&] { benchmark::DoNotOptimize(counter.next()); });
+}
+BENCHMARK(convertedSend);
+
+void emptyScope(benchmark::State& state) {
+  for (auto _ : state) {
+    const NSAutoreleasePool pool;
+    benchmark::ClobberMemory();
+  }
+}
+BENCHMARK(emptyScope);
+
+void autoreleasedObjectAgainstAllocation(benchmark::State& state) {
+  compare(
+      state,
+      [] {
+        const NSAutoreleasePool pool;
+        benchmark::DoNotOptimize(autorelease(std::make_shared<NSObject>()));
+      },
+      [] { benchmark::DoNotOptimize(std::make_shared<NSObject>()); });
+}
+BENCHMARK(autoreleasedObjectAgainstAllocation);
+
+}  // namespace
+}  // namespace rvf
