@@ -8,7 +8,9 @@ namespace rvf {
 namespace {
 
 // Destructors of other thread-local objects may still hand objects over when the scopes are gone.
-constinit thread_local bool scopesAreGone = false;
+// As both thread-local objects here are used at every callout, their initial-exec model makes
+// reaching them a load instead of a call.
+[[gnu::tls_model("initial-exec")]] constinit thread_local bool scopesAreGone = false;
 
 struct ThreadScopes {
   std::vector<std::shared_ptr<void>> objects;  // of all scopes, outermost first
@@ -32,7 +34,7 @@ struct ThreadScopes {
 
 ThreadScopes* threadScopes() {
   if (scopesAreGone) return nullptr;
-  thread_local ThreadScopes scopes;
+  [[gnu::tls_model("initial-exec")]] thread_local ThreadScopes scopes;
   return &scopes;
 }
 
