@@ -54,8 +54,10 @@ TEST_F(MutableDictionary, RaisesWhenItIsChangedWhileItIsWalked) {
   };
   for (const auto& change : changes) {
     const auto walk = [&] {
-      for (const auto& [key, value] : *dictionary_)
+      for (const auto& entry : *dictionary_) {
         change();
+        EXPECT_NE(entry.second, nullptr);  // outlives the change
+      }
     };
     try {
       walk();
