@@ -16,7 +16,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const auto entries = rvf::NSNetService::dictionaryFromTXTRecordData(record);
   if ((entries == nullptr) != bytes.empty()) std::abort();
   const auto again = rvf::NSNetService::dataFromTXTRecordDictionary(entries);
-  if (again && !entries->isEqual(rvf::NSNetService::dictionaryFromTXTRecordData(again))) {
+  if (again &&
+      !rvf::objectsAreEqual(entries, rvf::NSNetService::dictionaryFromTXTRecordData(again))) {
     std::abort();
   }
   return 0;
