@@ -153,4 +153,8 @@ void NetworkHost::endBus(int signal) {
   if (daemon_) endDaemon(SIGKILL);  // it would end by itself, but not always at once
 }
 
+std::string NetworkHost::daemonLog() const {
+  return contents(file("avahi.log"));
+}
+
 }  // namespace rvf::network

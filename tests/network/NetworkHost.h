@@ -44,6 +44,9 @@ class NetworkHost {
   void signalBus(int signal) { bus_->kill(signal); }
   bool hasDaemon() const { return daemon_ != nullptr; }
 
+  /// What the daemon has written so far.
+  std::string daemonLog() const;
+
   /// The arguments of a program, as needed to run it inside the host, and its environment there.
   Arguments inside(const Arguments& program) const;
   Environment environment() const;

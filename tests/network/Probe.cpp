@@ -76,6 +76,10 @@ void Probe::stop(const std::string& service) {
   send({{"do", "stop"}, {"service", service}});
 }
 
+void Probe::holdPort(int port) {
+  send({{"do", "holdPort"}, {"port", port}});
+}
+
 Json Probe::waitFor(const Json& fields, std::chrono::milliseconds patience) {
   const auto deadline = std::chrono::steady_clock::now() + patience;
   std::size_t next = 0;

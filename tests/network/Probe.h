@@ -38,6 +38,8 @@ class Probe {
                double timeoutSeconds);
   void monitor(const std::string& service, const std::string& name, const std::string& type);
   void stop(const std::string& service);
+  /// Takes a UDP port for itself alone; reports "holding".
+  void holdPort(int port);
 
   /// The first event not yet taken that has these fields, waiting for it as long as patience
   /// lasts; throws with everything that was seen instead.

@@ -1,9 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/network/ProbeSession.h"
 
+#include <netinet/in.h>
+#include <sys/socket.h>
+
+#include <cerrno>
 #include <chrono>
 #include <iostream>
 #include <stdexcept>
+#include <system_error>
 #include <utility>
 
 #include "Platform/Network/NSNetServicesError.h"
@@ -74,6 +79,7 @@ void ProbeSession::perform(const Json& command) {
   if (action == "monitor") return service(command)->startMonitoring();
   if (action == "stopMonitoring") return service(command)->stopMonitoring();
   if (action == "stop") return service(command)->stop();
+  if (action == "holdPort") return holdPort(command.at("port"));
   if (action == "sync") return write({{"event", "synced"}, {"number", command.at("number")}});
   throw std::invalid_argument("unknown command " + action);
 }
@@ -103,6 +109,18 @@ void ProbeSession::publish(const Json& command) {
   published->setNameIsUnique(command.value("unique", false));
   if (command.contains("lifetime")) published->setRecordLifetime(command.at("lifetime"));
   published->publish();
+}
+
+/// Takes a UDP port for itself alone, of both families, until the program ends.
+void ProbeSession::holdPort(std::uint16_t port) {
+  sockaddr_in6 address{};
+  address.sin6_family = AF_INET6;
+  address.sin6_port = htons(port);
+  const int descriptor = ::socket(AF_INET6, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+  if (::bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
+    throw std::system_error(errno, std::generic_category(), "holding a port");
+  }
+  write({{"event", "holding"}});
 }
 
 void ProbeSession::write(Json event) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -24,6 +25,7 @@ class ProbeSession final : public NSNetServiceDelegate,
  private:
   void browse(const Json& command);
   void publish(const Json& command);
+  void holdPort(std::uint16_t port);
   /// The labelled service, made from the command if there is none.
   Ref<NSNetService> service(const Json& command);
   void write(Json event);
