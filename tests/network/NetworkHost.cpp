@@ -59,8 +59,8 @@ std::filesystem::path makeFolder() {
 
 NetworkHost::NetworkHost(const std::string& label) {
   requirePrivilege();
-  name_ = "rvf-" + std::to_string(::getpid()) + "-" + label;
   folder_ = makeFolder();
+  name_ = folder_.filename().string() + "-" + label;  // unlike every other's on this machine
   run({"ip", "netns", "add", name_});
   // Addresses are usable at once: nobody else is on these links.
   run(inside({"sh", "-c", "echo 0 >/proc/sys/net/ipv6/conf/default/accept_dad"}));
@@ -124,6 +124,11 @@ void NetworkHost::startBus() {
 }
 
 void NetworkHost::startDaemon() {
+  launchDaemon();
+  awaitDaemon();
+}
+
+void NetworkHost::launchDaemon() {
   if (!bus_) startBus();
   std::ofstream(file("avahi.conf")) << "[server]\nhost-name=" << name_
                                     << "\nuse-iff-running=yes\n"
@@ -136,8 +141,11 @@ void NetworkHost::startDaemon() {
       "exec avahi-daemon --no-chroot -f " +
       file("avahi.conf").string() + " 2>>" + log;
   daemon_ = std::make_unique<Process>(inside({"sh", "-c", script}), environment());
+}
+
+void NetworkHost::awaitDaemon() {
   waitUntil("the Avahi daemon of " + name_,
-            [&] { return contents(log).find("startup complete") != std::string::npos; });
+            [&] { return daemonLog().find("startup complete") != std::string::npos; });
 }
 
 void NetworkHost::endDaemon(int signal) {

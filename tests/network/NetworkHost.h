@@ -35,6 +35,9 @@ class NetworkHost {
   void startBus();
   /// Starts the daemon, and the bus if there is none, and returns when the daemon answers.
   void startDaemon();
+  /// The two halves of that, for starting several daemons at a time.
+  void launchDaemon();
+  void awaitDaemon();
   /// Ends the daemon with this signal; its bus stays.
   void endDaemon(int signal);
   /// Ends the bus, and with it the daemon.

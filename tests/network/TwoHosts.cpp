@@ -3,6 +3,13 @@
 
 namespace rvf::network {
 
+TwoHosts::TwoHosts(Backend ofHere, Backend ofThere) : TwoHosts() {
+  if (ofHere == Backend::daemon) here.launchDaemon();
+  if (ofThere == Backend::daemon) there.launchDaemon();
+  if (ofHere == Backend::daemon) here.awaitDaemon();
+  if (ofThere == Backend::daemon) there.awaitDaemon();
+}
+
 std::string nameOfPair(const testing::TestParamInfo<BackendPair>& info) {
   return nameOf(info.param.publisher) + "To" + nameOf(info.param.seeker);
 }

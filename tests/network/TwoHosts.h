@@ -13,6 +13,8 @@ namespace rvf::network {
 /// Two hosts on one link, "v0", each with its kind of back end.
 struct TwoHosts {
   TwoHosts() { here.connect(there, 0); }
+  /// Starts the daemons that these back ends need, side by side.
+  TwoHosts(Backend ofHere, Backend ofThere);
 
   NetworkHost here{"a"};
   NetworkHost there{"b"};
@@ -33,7 +35,7 @@ class PairTest : public testing::TestWithParam<BackendPair> {
  protected:
   static constexpr const char* kType = "_rvf-test._tcp";
 
-  TwoHosts hosts_;
+  TwoHosts hosts_{GetParam().publisher, GetParam().seeker};
   Probe publisher_{hosts_.here, GetParam().publisher};
   Probe seeker_{hosts_.there, GetParam().seeker};
 };
