@@ -89,7 +89,7 @@ void NSObject::doesNotRecognizeSelector(SEL selector) const {
 }
 
 bool objectsAreEqual(const id& a, const id& b) {
-  return a == b || (a && b && a->isEqual(b));
+  return a == b || (a && b && a->isEqual(b.get()));
 }
 
 }  // namespace rvf

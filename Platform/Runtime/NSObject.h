@@ -46,7 +46,6 @@ class RVF_EXPORT NSObject : public std::enable_shared_from_this<NSObject> {
 
   /// Whether `other`, which may be absent, stands for the same value. Equal objects hash alike.
   virtual bool isEqual(const NSObject* other) const;
-  bool isEqual(const id& other) const { return isEqual(other.get()); }
   virtual std::size_t hash() const;
 
   /// Text for people who debug: "<Class: 0x…>" unless a class says more.

@@ -46,8 +46,18 @@ TEST(NSObject, ComparesAndHashesByIdentity) {
   const NSObject b;
   EXPECT_TRUE(a.isEqual(&a));
   EXPECT_FALSE(a.isEqual(&b));
-  EXPECT_FALSE(a.isEqual(id()));
+  EXPECT_FALSE(a.isEqual(nullptr));
   EXPECT_EQ(a.hash(), a.hash());
+}
+
+template <class T>
+concept ComparesWithReferences = requires(const T& object, const id& other) {
+  object.isEqual(other);
+};
+
+TEST(NSObject, OfEveryClassComparesWithTheSameArguments) {
+  EXPECT_FALSE(ComparesWithReferences<NSObject>);  // an overriding class would hide such a form
+  EXPECT_FALSE(ComparesWithReferences<NSString>);
 }
 
 TEST(NSObject, AbsentOnesAreEqualToEachOtherOnly) {
