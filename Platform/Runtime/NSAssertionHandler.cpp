@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "Platform/Runtime/ClassBuilder.h"
+#include "Platform/Runtime/ClassReceiver.h"
 #include "Platform/Runtime/ClassRegistration.h"
 #include "Platform/Runtime/NSException.h"
 
@@ -14,13 +15,33 @@ namespace {
 
 const ClassRegistration kRegistration(&NSAssertionHandler::classObject);
 
-Ref<NSAssertionHandler>& threadHandler() {
-  thread_local Ref<NSAssertionHandler> handler;
-  return handler;
+// Destructors of other thread-local objects may still report assertions when the handler is gone.
+constinit thread_local bool handlerIsGone = false;
+
+struct ThreadHandler {
+  Ref<NSAssertionHandler> handler;
+
+  ThreadHandler() = default;
+  ThreadHandler(const ThreadHandler&) = delete;
+  ThreadHandler& operator=(const ThreadHandler&) = delete;
+  ~ThreadHandler() { handlerIsGone = true; }
+};
+
+ThreadHandler* threadHandler() {
+  if (handlerIsGone) return nullptr;
+  thread_local ThreadHandler own;
+  return &own;
 }
 
 void logLine(const std::string& line) {
   std::fprintf(stderr, "%s\n", line.c_str());
+}
+
+std::string methodText(SEL selector, const NSObject* object) {
+  const auto* const ofClass = dynamic_cast<const ClassReceiver*>(object);
+  const Class receiver = ofClass ? ofClass->receivingClass() : object_getClass(object);
+  return (ofClass ? "+[" : "-[") + std::string(class_getName(receiver)) + " " +
+         NSStringFromSelector(selector) + "]";
 }
 
 std::string place(std::string_view file, int line) {
@@ -30,13 +51,15 @@ std::string place(std::string_view file, int line) {
 }  // namespace
 
 Ref<NSAssertionHandler> NSAssertionHandler::currentHandler() {
-  Ref<NSAssertionHandler>& handler = threadHandler();
-  if (!handler) handler = std::make_shared<NSAssertionHandler>();
+  ThreadHandler* const own = threadHandler();
+  if (own && own->handler) return own->handler;
+  auto handler = std::make_shared<NSAssertionHandler>();
+  if (own) own->handler = handler;
   return handler;
 }
 
 void NSAssertionHandler::setCurrentHandler(Ref<NSAssertionHandler> handler) {
-  threadHandler() = std::move(handler);
+  if (ThreadHandler* const own = threadHandler()) own->handler.swap(handler);
 }
 
 Class NSAssertionHandler::classObject() {
@@ -52,9 +75,8 @@ Class NSAssertionHandler::isa() const {
 void NSAssertionHandler::handleFailureInMethod(SEL selector, const NSObject* object,
                                                std::string_view file, int line,
                                                std::string_view description) {
-  logLine("*** Assertion failure in -[" + std::string(class_getName(object_getClass(object))) +
-          " " + NSStringFromSelector(selector) + "], " + place(file, line) + ": " +
-          std::string(description));
+  logLine("*** Assertion failure in " + methodText(selector, object) + ", " + place(file, line) +
+          ": " + std::string(description));
   NSException::raise(NSInternalInconsistencyException, description);
 }
 

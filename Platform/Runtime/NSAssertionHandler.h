@@ -15,16 +15,22 @@ namespace rvf {
 ///
 /// A subclass that returns lets the failed operation go on, so every caller of these operations
 /// has code for that. File and line are stated constants of the operation that failed.
+///
+/// A thread's handler goes with the thread: assertions that the last destructors of a thread report
+/// after that reach a default one.
 class RVF_EXPORT NSAssertionHandler : public NSObject {
  public:
   /// This thread's handler, made on first use.
   static Ref<NSAssertionHandler> currentHandler();
-  /// Replaces this thread's handler; absent brings the default back.
+  /// Replaces this thread's handler; absent brings the default back. Does nothing once the thread's
+  /// handler has gone with its thread.
   static void setCurrentHandler(Ref<NSAssertionHandler> handler);
 
   static Class classObject();
   Class isa() const override;
 
+  /// `object` received the message; for an operation of a class itself, a `ClassReceiver`. The
+  /// default shows them as "-[Class selector]" and "+[Class selector]".
   virtual void handleFailureInMethod(SEL selector, const NSObject* object, std::string_view file,
                                      int line, std::string_view description);
   virtual void handleFailureInFunction(std::string_view function, std::string_view file, int line,

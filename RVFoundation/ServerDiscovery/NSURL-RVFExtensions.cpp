@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "Platform/Network/SocketAddress.h"
+#include "Platform/Runtime/ClassReceiver.h"
 #include "Platform/Runtime/NSAssertionHandler.h"
 #include "Platform/Text/NSLog.h"
 #include "Platform/Text/Text.h"
@@ -49,8 +50,10 @@ std::string sortedQuery(std::string_view query) {
 Ref<NSURL> NSURL_RVFExtensions::RVF_CURLURLWithAddressData(const Ref<NSData>& addressData) {
   const auto address = SocketAddress::fromDataBlock(addressData);
   if (address) return NSURL::URLWithString(serverURLText(*address));
-  NSAssertionHandler::currentHandler()->handleFailureInMethod(
-      SEL("RVF_CURLURLWithAddressData:"), nullptr, kSource, kNoLine, "Unsupported Address Family");
+  const ClassReceiver receiver(NSURL::classObject());
+  NSAssertionHandler::currentHandler()->handleFailureInMethod(SEL("RVF_CURLURLWithAddressData:"),
+                                                              &receiver, kSource, kNoLine,
+                                                              "Unsupported Address Family");
   return nullptr;
 }
 

@@ -8,6 +8,7 @@
 #include <string>
 #include <thread>
 
+#include "Platform/Runtime/ClassReceiver.h"
 #include "Platform/Runtime/NSException.h"
 
 namespace rvf {
@@ -65,6 +66,16 @@ TEST_F(AssertionHandler, ByDefaultLogsOneLineForAMethod) {
             "*** Assertion failure in -[NSObject start], RVFoundation/Thing:12: must not run\n");
 }
 
+TEST_F(AssertionHandler, ByDefaultLogsAnOperationOfAClassWithPlus) {
+  const ClassReceiver receiver(NSObject::classObject());
+  CaptureStderr();
+  EXPECT_THROW(NSAssertionHandler::currentHandler()->handleFailureInMethod(
+                   SEL("start"), &receiver, "RVFoundation/Thing", 12, "must not run"),
+               NSException);
+  EXPECT_EQ(GetCapturedStderr(),
+            "*** Assertion failure in +[NSObject start], RVFoundation/Thing:12: must not run\n");
+}
+
 TEST_F(AssertionHandler, ByDefaultLogsOneLineForAFunction) {
   CaptureStderr();
   EXPECT_THROW(NSAssertionHandler::currentHandler()->handleFailureInFunction(
@@ -80,6 +91,29 @@ TEST_F(AssertionHandler, IsOneObjectAThread) {
   Ref<NSAssertionHandler> others;
   std::jthread([&others] { others = NSAssertionHandler::currentHandler(); }).join();
   EXPECT_NE(others, mine);
+}
+
+/// Destroyed after the handler of its thread if it was there before.
+struct LastWords {
+  Ref<NSAssertionHandler>* found;
+  LastWords() = default;
+  LastWords(const LastWords&) = delete;
+  LastWords& operator=(const LastWords&) = delete;
+  ~LastWords() {
+    NSAssertionHandler::setCurrentHandler(std::make_shared<CountingHandler>());
+    *found = NSAssertionHandler::currentHandler();
+  }
+};
+
+TEST_F(AssertionHandler, IsADefaultOneForWhatOutlivesTheHandlerOfItsThread) {
+  Ref<NSAssertionHandler> found;
+  std::jthread([&found] {
+    thread_local LastWords lastWords;
+    lastWords.found = &found;
+    NSAssertionHandler::setCurrentHandler(std::make_shared<CountingHandler>());
+  }).join();
+  ASSERT_NE(found, nullptr);
+  EXPECT_EQ(dynamic_cast<CountingHandler*>(found.get()), nullptr);
 }
 
 TEST_F(AssertionHandler, MayBeReplacedByOneThatReturns) {

@@ -36,10 +36,10 @@ Ref<NSData> blockOfFamily(int family) {
 
 class RecordingHandler : public NSAssertionHandler {
  public:
-  void handleFailureInMethod(SEL selector, const NSObject*, std::string_view file, int,
+  void handleFailureInMethod(SEL selector, const NSObject* object, std::string_view file, int,
                              std::string_view description) override {
-    failure_ =
-        NSStringFromSelector(selector) + " " + std::string(file) + ": " + std::string(description);
+    failure_ = object->description() + " " + NSStringFromSelector(selector) + " " +
+               std::string(file) + ": " + std::string(description);
   }
   std::string failure_;
 };
@@ -88,8 +88,8 @@ TEST(NSURL_RVFExtensions, WhereTheAssertionHandlerReturnsTheServerURLIsAbsent) {
   EXPECT_EQ(CURLURLWithAddressData(blockOfFamily(0)), nullptr);
   NSAssertionHandler::setCurrentHandler(nullptr);
   EXPECT_EQ(handler->failure_,
-            "RVF_CURLURLWithAddressData: RVFoundation/NSURL-RVFExtensions: Unsupported Address "
-            "Family");
+            "NSURL RVF_CURLURLWithAddressData: RVFoundation/NSURL-RVFExtensions: Unsupported "
+            "Address Family");
 }
 
 TEST(NSURL_RVFExtensions, MakesRelativeURLsOfFormats) {

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <string>
+
+#include "Platform/Export.h"
+#include "Platform/Runtime/NSObject.h"
+
+namespace rvf {
+
+/// A class as the receiver of one of its own operations, where an object is asked for:
+///
+///     const ClassReceiver receiver(NSURL::classObject());
+///     handler->handleFailureInMethod(selector, &receiver, file, line, description);
+///
+/// Classes are no objects here, so this stands in; it describes itself by the name of the class.
+class RVF_EXPORT ClassReceiver final : public NSObject {
+ public:
+  explicit ClassReceiver(Class receivingClass) : receivingClass_(receivingClass) {}
+
+  Class receivingClass() const noexcept { return receivingClass_; }
+  std::string description() const override;
+
+ private:
+  Class receivingClass_;
+};
+
+}  // namespace rvf
