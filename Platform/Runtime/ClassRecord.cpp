@@ -26,9 +26,7 @@ const Method* ClassRecord::method(SEL selector) const noexcept {
 bool ClassRecord::addMethod(const Method& method) {
   const std::lock_guard lock(mutex_);
   if (ownMethod(method.selector)) return false;
-  std::vector<Method> all = {method};
-  std::ranges::copy(methods(), std::back_inserter(all));
-  methods_.publish(std::move(all));
+  methods_.prepend({method});
   return true;
 }
 
@@ -41,10 +39,14 @@ bool ClassRecord::addProperty(const Property& property) {
   return true;
 }
 
-void ClassRecord::prependMethods(std::vector<Method> methods) {
+void ClassRecord::prependMethods(const std::vector<Method>& methods) {
   const std::lock_guard lock(mutex_);
-  std::ranges::copy(this->methods(), std::back_inserter(methods));
-  methods_.publish(std::move(methods));
+  methods_.prepend(methods);
+}
+
+std::vector<Method> ClassRecord::methods() const {
+  const std::lock_guard lock(mutex_);
+  return methods_.list();
 }
 
 }  // namespace rvf

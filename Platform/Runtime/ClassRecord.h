@@ -71,22 +71,22 @@ class RVF_EXPORT ClassRecord final {
   /// All properties of this very class.
   const std::vector<Property>& properties() const noexcept { return properties_.get(); }
   /// All methods of this very class, those added last first.
-  const std::vector<Method>& methods() const noexcept { return methods_.get().list(); }
+  std::vector<Method> methods() const;
 
   /// The method of this very class, or null.
-  const Method* ownMethod(SEL selector) const noexcept { return methods_.get().find(selector); }
+  const Method* ownMethod(SEL selector) const noexcept { return methods_.find(selector); }
   /// The method that an instance runs, from this class or the nearest ancestor, or null.
   const Method* method(SEL selector) const noexcept;
 
   /// False if this very class has it already.
   bool addMethod(const Method& method);
   bool addProperty(const Property& property);
-  void prependMethods(std::vector<Method> methods);
+  void prependMethods(const std::vector<Method>& methods);
 
  private:
   const Description description_;
-  std::mutex mutex_;  // of changes
-  Published<MethodTable> methods_;
+  mutable std::mutex mutex_;  // of changes
+  MethodTable methods_;
   Published<std::vector<Property>> properties_;
 };
 

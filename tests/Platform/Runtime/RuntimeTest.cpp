@@ -140,6 +140,18 @@ TEST(Runtime, AddMethodRefusesNothing) {
   EXPECT_FALSE(class_addMethod(freshClass("RefusingToo"), SEL("x"), IMP()));
 }
 
+TEST(Runtime, MethodsKeepTheirPlaceWhileOthersAreAdded) {
+  const Class growing = freshClass("Growing");
+  ASSERT_TRUE(class_addMethod(growing, SEL("sides"), &four));
+  const Method* const first = growing->ownMethod(SEL("sides"));
+  for (int i = 0; i < 1000; ++i)
+    ASSERT_TRUE(class_addMethod(growing, SEL("grown" + std::to_string(i)), &five));
+  EXPECT_EQ(growing->ownMethod(SEL("sides")), first);
+  for (int i = 0; i < 1000; ++i)
+    ASSERT_NE(growing->ownMethod(SEL("grown" + std::to_string(i))), nullptr) << i;
+  EXPECT_EQ(growing->ownMethod(SEL("grown1000")), nullptr);
+}
+
 TEST(Runtime, RespondsToInheritedSelectorsOnly) {
   EXPECT_TRUE(class_respondsToSelector(Square::classObject(), SEL("sides")));
   EXPECT_TRUE(class_respondsToSelector(Square::classObject(), SEL("description")));
