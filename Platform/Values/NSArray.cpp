@@ -9,6 +9,7 @@
 #include "Platform/Runtime/ClassRegistration.h"
 #include "Platform/Runtime/NSCopying.h"
 #include "Platform/Runtime/NSException.h"
+#include "Platform/Values/HashMixing.h"
 
 namespace rvf {
 namespace {
@@ -68,7 +69,10 @@ bool NSArray::isEqual(const NSObject* other) const {
 }
 
 std::size_t NSArray::hash() const {
-  return objects_.size();
+  std::size_t hash = objects_.size();
+  for (const id& object : objects_)
+    hash = mixedHash(hash) + object->hash();
+  return mixedHash(hash);
 }
 
 std::string NSArray::description() const {

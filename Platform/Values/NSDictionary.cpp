@@ -8,6 +8,7 @@
 #include "Platform/Runtime/ClassRegistration.h"
 #include "Platform/Runtime/NSCopying.h"
 #include "Platform/Runtime/NSException.h"
+#include "Platform/Values/HashMixing.h"
 #include "Platform/Values/NSString.h"
 
 namespace rvf {
@@ -91,7 +92,10 @@ bool NSDictionary::isEqual(const NSObject* other) const {
 }
 
 std::size_t NSDictionary::hash() const {
-  return entries_.size();
+  std::size_t hash = 0;  // a sum, because equal dictionaries may differ in their order
+  for (const auto& [key, value] : entries_)
+    hash += mixedHash(mixedHash(key->hash()) + value->hash());
+  return hash;
 }
 
 std::string NSDictionary::description() const {

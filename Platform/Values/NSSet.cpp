@@ -9,6 +9,7 @@
 #include "Platform/Runtime/ClassRegistration.h"
 #include "Platform/Runtime/NSCopying.h"
 #include "Platform/Runtime/NSException.h"
+#include "Platform/Values/HashMixing.h"
 
 namespace rvf {
 namespace {
@@ -20,7 +21,7 @@ const ClassRegistration kRegistration(&NSSet::classObject);
 NSSet::NSSet(const std::vector<id>& objects) {
   for (const id& object : objects) {
     if (!object) NSException::raise(NSInvalidArgumentException, "absent object put into a set");
-    objects_.insert(object);
+    if (objects_.insert(object).second) hash_ += mixedHash(object->hash());
   }
 }
 
@@ -54,10 +55,6 @@ bool NSSet::isEqual(const NSObject* other) const {
   return set && count() == set->count() && std::ranges::all_of(objects_, [set](const id& object) {
            return set->containsObject(object);
          });
-}
-
-std::size_t NSSet::hash() const {
-  return objects_.size();
 }
 
 std::string NSSet::description() const {

@@ -13,7 +13,8 @@
 namespace rvf {
 
 /// A set of objects, equal ones once, none of them absent (that raises
-/// `NSInvalidArgumentException`). In no defined order. Immutable.
+/// `NSInvalidArgumentException`). In no defined order. Immutable. Objects must keep their value
+/// while they are in it.
 class RVF_EXPORT NSSet final : public NSObject {
  public:
   using Objects = std::unordered_set<id, ObjectHash, ObjectEqual>;
@@ -33,11 +34,12 @@ class RVF_EXPORT NSSet final : public NSObject {
   auto end() const noexcept { return objects_.end(); }
 
   bool isEqual(const NSObject* other) const override;
-  std::size_t hash() const override;
+  std::size_t hash() const override { return hash_; }
   std::string description() const override;
 
  private:
   Objects objects_;
+  std::size_t hash_ = 0;  // a sum, because equal sets may differ in their order
 };
 
 }  // namespace rvf

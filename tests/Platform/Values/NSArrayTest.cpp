@@ -7,6 +7,7 @@
 #include <string>
 
 #include "Platform/Runtime/NSException.h"
+#include "Platform/Values/NSMutableArray.h"
 #include "Platform/Values/NSNumber.h"
 #include "Platform/Values/NSString.h"
 
@@ -69,6 +70,17 @@ TEST(NSArray, IsEqualToOneOfEqualObjectsInTheSameOrder) {
   EXPECT_TRUE(array->isEqual(same.get()));
   EXPECT_EQ(array->hash(), same->hash());
   EXPECT_FALSE(array->isEqual(NSArray::arrayWithObjects({box("a"), box(1)}).get()));
+}
+
+TEST(NSArray, HashesItsObjectsInTheirOrder) {
+  const auto array = NSArray::arrayWithObjects({box(1), box(2)});
+  EXPECT_NE(array->hash(), NSArray::arrayWithObjects({box(2), box(1)})->hash());
+  EXPECT_NE(array->hash(), NSArray::arrayWithObjects({box(1), box(3)})->hash());
+  EXPECT_NE(array->hash(), NSArray::arrayWithObjects({box(1)})->hash());
+  const auto same = NSMutableArray::array();
+  same->addObject(box(1.0));
+  same->addObject(box(2.0));
+  EXPECT_EQ(array->hash(), same->hash());
 }
 
 TEST(NSArray, IsWalkedInOrder) {

@@ -50,6 +50,14 @@ TEST(NSDictionary, IsEqualToOneOfEqualEntries) {
   EXPECT_FALSE(dictionary->isEqual(NSDictionary::dictionaryWithEntries({{"a", box(1)}}).get()));
 }
 
+TEST(NSDictionary, HashesKeysTogetherWithTheirValues) {
+  const auto dictionary = NSDictionary::dictionaryWithEntries({{"a", box(1)}, {"b", box(2)}});
+  const auto crossed = NSDictionary::dictionaryWithEntries({{"a", box(2)}, {"b", box(1)}});
+  const auto others = NSDictionary::dictionaryWithEntries({{"a", box(1)}, {"c", box(2)}});
+  EXPECT_NE(dictionary->hash(), crossed->hash());
+  EXPECT_NE(dictionary->hash(), others->hash());
+}
+
 TEST(NSDictionary, ListsKeysAndValuesInOneOrder) {
   const auto dictionary = NSDictionary::dictionaryWithEntries({{"a", box(1)}, {"b", box(2)}});
   const auto keys = dictionary->allKeys();

@@ -29,6 +29,39 @@ TEST(NSSet, IsEqualToOneOfEqualObjects) {
   EXPECT_EQ(set->allObjects()->count(), 2U);
 }
 
+TEST(NSSet, HashesItsObjectsInNoOrder) {
+  const auto set = NSSet::setWithObjects({box(1), box(2), box("a")});
+  EXPECT_EQ(set->hash(), NSSet::setWithObjects({box("a"), box(2.0), box(1), box(1)})->hash());
+  EXPECT_NE(set->hash(), NSSet::setWithObjects({box(1), box(2), box("b")})->hash());
+  EXPECT_NE(set->hash(), NSSet::setWithObjects({box(3), box(0), box("a")})->hash());
+}
+
+/// Counts how often it is compared.
+class Compared final : public NSObject {
+ public:
+  explicit Compared(std::size_t value) : value_(value) {}
+  bool isEqual(const NSObject* other) const override {
+    ++comparisons;
+    const auto* compared = dynamic_cast<const Compared*>(other);
+    return compared && compared->value_ == value_;
+  }
+  std::size_t hash() const override { return value_; }
+  inline static std::size_t comparisons = 0;
+
+ private:
+  std::size_t value_;
+};
+
+TEST(NSSet, OfSetsComparesOnlyThoseThatMayBeEqual) {
+  constexpr std::size_t kCount = 1000;
+  std::vector<id> sets;
+  for (std::size_t i = 0; i < kCount; ++i)
+    sets.push_back(NSSet::setWithObjects({std::make_shared<Compared>(i)}));
+  Compared::comparisons = 0;
+  EXPECT_EQ(NSSet::setWithObjects(sets)->count(), kCount);
+  EXPECT_LT(Compared::comparisons, kCount);
+}
+
 TEST(NSSet, DescribesItsObjectsInOrder) {
   EXPECT_EQ(NSSet::setWithObjects({box("b"), box("a")})->description(), "{(a, b)}");
 }
