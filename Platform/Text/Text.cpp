@@ -67,6 +67,18 @@ int compareUtf16(std::string_view a, std::string_view b) noexcept {
   return a.empty() && b.empty() ? 0 : a.empty() ? -1 : 1;
 }
 
+std::string wellFormedUtf8(std::string_view bytes) {
+  constexpr std::string_view kReplacement = "\uFFFD";
+  std::string text;
+  text.reserve(bytes.size());
+  while (!bytes.empty()) {
+    const Utf8Unit unit = firstUtf8Unit(bytes);
+    text += unit.wellFormed ? bytes.substr(0, unit.length) : kReplacement;
+    bytes.remove_prefix(unit.length);
+  }
+  return text;
+}
+
 std::vector<std::string_view> splitText(std::string_view text, std::string_view separator) {
   std::vector<std::string_view> pieces;
   if (separator.empty()) return {text};

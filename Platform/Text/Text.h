@@ -17,6 +17,9 @@ namespace rvf {
 /// U+10FFFF (Unicode, table 3-7).
 RVF_EXPORT bool isValidUtf8(std::string_view bytes) noexcept;
 
+/// The text with U+FFFD for every byte that belongs to no character.
+RVF_EXPORT std::string wellFormedUtf8(std::string_view bytes);
+
 /// The length in UTF-16 code units: "€" is 1, "😀" is 2.
 RVF_EXPORT std::size_t utf16Length(std::string_view text) noexcept;
 

@@ -11,6 +11,7 @@
 #include "Platform/Runtime/ClassRegistration.h"
 #include "Platform/Runtime/NSAutoreleasePool.h"
 #include "Platform/Runtime/NSException.h"
+#include "Platform/Text/Text.h"
 #include "Platform/Values/NSString.h"
 #include "RVFoundation/CoreServices/RVFErrors.h"
 
@@ -22,6 +23,10 @@ const ClassRegistration kRegistration(&RVFStreamedSAXParser::classObject);
 constexpr int kOptions =
     XML_PARSE_RECOVER | XML_PARSE_NOBLANKS | XML_PARSE_NONET | XML_PARSE_COMPACT;
 static_assert(kOptions == 67841);
+
+/// libxml2 refuses deeper nesting unless it is allowed huge documents, but its push parser forgets
+/// to look. Each level may bring namespaces, which are searched one by one.
+constexpr int kDeepestNesting = 256;
 
 /// What `xmlParseChunk` answers once the document has ended.
 constexpr int kAfterTheEnd = -1;
@@ -64,6 +69,7 @@ struct RVFStreamedSAXParser::Callbacks {
                               int attributeCount, int defaultedCount,
                               const xmlChar** attributes) noexcept {
     auto& parser = *static_cast<RVFStreamedSAXParser*>(context);
+    if (contextOf(parser)->nameNr >= kDeepestNesting) return refuseDepth(parser);
     run(parser, [&] {
       if (const auto* handler = parser.startElementHandler_.get()) {
         parser.interupted_ = !(*handler)(localName, prefix, URI, namespaceCount, namespaces,
@@ -71,6 +77,11 @@ struct RVFStreamedSAXParser::Callbacks {
       }
       if (parser.interupted_) xmlStopParser(contextOf(parser));
     });
+  }
+
+  static void refuseDepth(RVFStreamedSAXParser& parser) noexcept {
+    parser.isNestedTooDeep_ = true;
+    xmlStopParser(contextOf(parser));
   }
 
   static void SAXEndElement(void* context, const xmlChar* localName, const xmlChar* prefix,
@@ -139,6 +150,7 @@ Class RVFStreamedSAXParser::classObject() {
           .ivar("_foundCharactersHandler", "@?")
           .ivar<&Self::interupted_>("_interupted")
           .method<&Self::parserContext>("parserContext")
+          .method<&Self::setParserContext>("setParserContext:")
           .method<&Self::startElementHandler>("startElementHandler")
           .method<&Self::setStartElementHandler>("setStartElementHandler:")
           .method<&Self::endElementHandler>("endElementHandler")
@@ -213,6 +225,7 @@ int RVFStreamedSAXParser::feed(const char* bytes, int length, bool terminate) {
 }
 
 Ref<NSError> RVFStreamedSAXParser::lastError() const {
+  if (isNestedTooDeep_) return depthError();  // a stopped context keeps no error
   return errorForXMLError(xmlCtxtGetLastError(parserContext_));
 }
 
@@ -239,10 +252,21 @@ bool RVFStreamedSAXParser::completeParsingUsingError(Ref<NSError>* error) {
   return false;
 }
 
+/// What libxml2 reports where it looks.
+Ref<NSError> RVFStreamedSAXParser::depthError() const {
+  std::string message = "Excessive depth in document: " + std::to_string(kDeepestNesting) + "\n";
+  xmlError problem = {};
+  problem.domain = XML_FROM_PARSER;
+  problem.code = XML_ERR_INTERNAL_ERROR;
+  problem.message = message.data();
+  return errorForXMLError(&problem);
+}
+
 Ref<NSError> RVFStreamedSAXParser::errorForXMLError(const void* xmlError) const {
   if (!xmlError) return nullptr;
   const auto& problem = *static_cast<const struct _xmlError*>(xmlError);
-  const Ref<NSString> message = box(problem.message ? problem.message : "");
+  // libxml2 quotes the document, which may hold any bytes.
+  const Ref<NSString> message = box(wellFormedUtf8(problem.message ? problem.message : ""));
   const auto inner = NSError::errorWithDomain(
       "LIBXML2InternalDomain-" + std::to_string(problem.domain), problem.code,
       NSDictionary::dictionaryWithEntries({{NSLocalizedDescriptionKey, message}}));

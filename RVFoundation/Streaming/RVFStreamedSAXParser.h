@@ -37,7 +37,9 @@ namespace rvf {
 /// that the handler asked for, and leaves the call that fed the parser once libxml2 has returned.
 ///
 /// External entities and DTDs are never opened, entities that a document defines are never
-/// expanded. One parser serves one document and is used by one thread at a time.
+/// expanded, and elements may be nested 256 deep, as elsewhere in libxml2: the element beyond ends
+/// the parse with `RVFLIBXMLParserError`, everything before it has been reported. One parser serves
+/// one document and is used by one thread at a time.
 class RVF_EXPORT RVFStreamedSAXParser final : public NSObject {
  public:
   /// Local name; prefix and URI of its namespace, null if it has none; the declared namespaces, a
@@ -64,6 +66,9 @@ class RVF_EXPORT RVFStreamedSAXParser final : public NSObject {
 
   /// libxml2's push parser context (`xmlParserCtxtPtr`), owned by this object.
   void* parserContext() const noexcept { return parserContext_; }
+  /// Only assigns: the context that was there is the caller's from now on, the new one, which may
+  /// be null, goes with this object. Not for handlers.
+  void setParserContext(void* context) noexcept { parserContext_ = context; }
 
   /// Empty where none is set; that callback is then skipped.
   StartElementHandler startElementHandler() const;
@@ -100,6 +105,7 @@ class RVF_EXPORT RVFStreamedSAXParser final : public NSObject {
 
   int feed(const char* bytes, int length, bool terminate);
   Ref<NSError> lastError() const;
+  Ref<NSError> depthError() const;
   void retire(std::shared_ptr<const void> handler);
   void releaseRetired();
 
@@ -111,6 +117,7 @@ class RVF_EXPORT RVFStreamedSAXParser final : public NSObject {
   std::exception_ptr exception_;
   NSAutoreleasePool* callbackScope_ = nullptr;  // while a call feeds libxml2
   bool interupted_ = false;
+  bool isNestedTooDeep_ = false;
 };
 
 }  // namespace rvf

@@ -65,6 +65,14 @@ TEST(Text, GeneratedTextsAreWellFormed) {
   EXPECT_TRUE(rc::check([] { RC_ASSERT(isValidUtf8(*anyText())); }));
 }
 
+TEST(Text, ReplacesBytesThatBelongToNoCharacter) {
+  EXPECT_EQ(wellFormedUtf8(""), "");
+  EXPECT_EQ(wellFormedUtf8("Käse \xF0\x9F\x98\x80"), "Käse \xF0\x9F\x98\x80");
+  EXPECT_EQ(wellFormedUtf8("a\xC3"), "a\uFFFD");
+  EXPECT_EQ(wellFormedUtf8("\xE4\xF6x"), "\uFFFD\uFFFDx");
+  EXPECT_EQ(wellFormedUtf8("\xED\xA0\x80"), "\uFFFD\uFFFD\uFFFD");
+}
+
 TEST(Text, ComparisonOfAnyBytesIsATotalOrder) {
   EXPECT_TRUE(rc::check([] {
     const std::string a = *anyBytes();

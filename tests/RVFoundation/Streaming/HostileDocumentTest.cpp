@@ -48,19 +48,21 @@ class WatchedFile final {
 /// A parser that joins all characters and attribute values.
 class HostileDocumentTest : public ::testing::Test {
  protected:
-  HostileDocumentTest() {
-    parser_->setStartElementHandler([this](XMLText, XMLText, XMLText, std::int32_t, const XMLText*,
-                                           std::int32_t attributeCount, std::int32_t,
-                                           const XMLText* attributes) {
+  Ref<RVFStreamedSAXParser> parserNotingAll() {
+    const auto parser = RVFStreamedSAXParser::init();
+    parser->setStartElementHandler([this](XMLText, XMLText, XMLText, std::int32_t, const XMLText*,
+                                          std::int32_t attributeCount, std::int32_t,
+                                          const XMLText* attributes) {
       ++elements_;
       for (const auto attribute : XMLAttributes(attributes, attributeCount)) {
         text_ += attribute.value();
       }
       return true;
     });
-    parser_->setFoundCharactersHandler([this](XMLText characters, std::int32_t count) {
+    parser->setFoundCharactersHandler([this](XMLText characters, std::int32_t count) {
       text_.append(reinterpret_cast<const char*>(characters), static_cast<std::size_t>(count));
     });
+    return parser;
   }
 
   bool parse(std::string_view document) {
@@ -72,7 +74,7 @@ class HostileDocumentTest : public ::testing::Test {
     return parsed;
   }
 
-  Ref<RVFStreamedSAXParser> parser_ = RVFStreamedSAXParser::init();
+  Ref<RVFStreamedSAXParser> parser_ = parserNotingAll();
   std::size_t elements_ = 0;
   std::string text_;
   Ref<NSError> error_;
@@ -110,16 +112,44 @@ TEST_F(HostileDocumentTest, EntitiesOfTheDocumentAreNotExpanded) {
   EXPECT_EQ(text_, "xy");
 }
 
-TEST_F(HostileDocumentTest, AMillionNestedElementsNeedNoStack) {
-  constexpr std::size_t kDepth = 1'000'000;
-  std::string document;
-  for (std::size_t i = 0; i < kDepth; ++i)
-    document += "<a>";
-  EXPECT_TRUE(parse(document));
-  EXPECT_EQ(elements_, kDepth);
+std::string repeated(std::string_view text, std::size_t times) {
+  std::string all;
+  for (std::size_t i = 0; i < times; ++i)
+    all += text;
+  return all;
+}
+
+TEST_F(HostileDocumentTest, ElementsMayBeNestedAsDeepAsLibxml2Allows) {
+  EXPECT_TRUE(parse(repeated("<a>", 255) + "<b/><b>x</b>" + repeated("</a>", 255)));
+  EXPECT_TRUE(parser_->completeParsingUsingError());
+  EXPECT_EQ(elements_, 257U);
+}
+
+TEST_F(HostileDocumentTest, DeeperNestingIsRefusedAfterAllBeforeItWasReported) {
+  // Looking up the absent default namespace would walk all of the others.
+  for (const std::string_view start : {"<a>x", "<a xmlns:p='u'>x", "<a xmlns:p='u' p:b=''>x"}) {
+    parser_ = parserNotingAll();
+    elements_ = 0;
+    text_.clear();
+    error_ = nullptr;
+    EXPECT_FALSE(parse(repeated(start, 1'000'000))) << start;
+    EXPECT_EQ(elements_, 256U) << start;
+    EXPECT_EQ(text_, std::string(256, 'x')) << start;
+    EXPECT_FALSE(parser_->interupted()) << start;
+    ASSERT_TRUE(error_) << start;
+    EXPECT_EQ(error_->code(), RVFLIBXMLParserError) << start;
+    EXPECT_EQ(error_->localizedDescription(), "Excessive depth in document: 256\n") << start;
+    EXPECT_EQ(error_->underlyingError()->domain(), "LIBXML2InternalDomain-1") << start;
+  }
+}
+
+TEST_F(HostileDocumentTest, DeeperNestingIsReportedOnCompletionToo) {
+  EXPECT_FALSE(parse(repeated("<a>", 257)));
+  EXPECT_FALSE(parse("</a>"));
+  error_ = nullptr;
   EXPECT_FALSE(parser_->completeParsingUsingError(&error_));
   ASSERT_TRUE(error_);
-  EXPECT_EQ(error_->underlyingError()->code(), XML_ERR_DOCUMENT_END);
+  EXPECT_EQ(error_->localizedDescription(), "Excessive depth in document: 256\n");
 }
 
 TEST_F(HostileDocumentTest, AnEndlessTokenIsRefused) {

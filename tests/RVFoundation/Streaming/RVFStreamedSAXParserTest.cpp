@@ -287,6 +287,15 @@ TEST(RVFStreamedSAXParser, CarriesDomainCodeAndMessageOfAnXMLError) {
   EXPECT_EQ(parser->errorForXMLError(&problem)->localizedDescription(), "");
 }
 
+TEST(RVFStreamedSAXParser, MessagesOfXMLErrorsAreWellFormedText) {
+  char message[] = "bad byte \xE4 in name";
+  xmlError problem = {};
+  problem.message = message;
+  const auto error = RVFStreamedSAXParser::init()->errorForXMLError(&problem);
+  EXPECT_EQ(error->localizedDescription(), "bad byte \uFFFD in name");
+  EXPECT_EQ(error->underlyingError()->localizedDescription(), "bad byte \uFFFD in name");
+}
+
 // Release scopes
 
 class Witness : public NSObject {
@@ -436,6 +445,17 @@ TEST(RVFStreamedSAXParser, DeclaresItsPropertiesToTheRuntime) {
                                  "endElementHandler T@?,C,N,V_endElementHandler",
                                  "foundCharactersHandler T@?,C,N,V_foundCharactersHandler",
                                  "interupted Tc,N,V_interupted"));
+}
+
+TEST(RVFStreamedSAXParser, ItsContextIsAssigned) {
+  const auto a = RVFStreamedSAXParser::init();
+  const auto b = RVFStreamedSAXParser::init();
+  void* const context = a->parserContext();
+  EXPECT_TRUE(a->respondsToSelector(SEL("setParserContext:")));
+  a->setParserContext(b->parserContext());
+  b->setParserContext(context);  // each frees the other's now
+  EXPECT_NE(a->parserContext(), context);
+  EXPECT_EQ(b->parserContext(), context);
 }
 
 TEST_F(RVFStreamedSAXParserTest, GivesItsHandlersBack) {
