@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "RVFoundation/Streaming/NSData-RVFExtensions.h"
 
-#include <zlib.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -12,24 +10,17 @@
 
 #include "Platform/Runtime/NSAssertionHandler.h"
 #include "Platform/Values/NSString.h"
+#include "RVFoundation/Streaming/ZlibStream.h"
 
 namespace rvf {
 namespace {
 
-constexpr const char* kZlibInterface = "1.2.8";
-constexpr int kGzipWrapper = 31;      // 15-bit window
-constexpr int kDetectedWrapper = 47;  // 15-bit window, zlib or gzip by its header
 constexpr int kMemoryLevel = 8;
 constexpr std::size_t kDeflateStep = 16384;
 
-/// The whole block as a stream's input; zlib counts input in 32 bits.
-z_stream streamOver(const NSData& data) {
-  z_stream stream = {};
-  stream.next_in =
-      reinterpret_cast<Bytef*>(const_cast<std::byte*>(data.bytes().data()));  // only read
-  stream.avail_in = static_cast<uInt>(data.length());
-  return stream;
-}
+/// Assertions of the block extensions name their source so, without a line.
+constexpr std::string_view kSource = "RVFoundation/NSData-RVFExtensions";
+constexpr int kNoLine = 0;
 
 /// Lets the stream write behind what it has produced, after lengthening a full buffer by `step`.
 void makeRoom(z_stream& stream, std::vector<std::byte>& buffer, std::size_t step) {
@@ -53,17 +44,18 @@ std::optional<std::string> RVF_stringUsingUTF8Encoding(const Ref<NSData>& data) 
 
 Ref<NSData> RVF_deflate(const Ref<NSData>& data) {
   if (!data || data->empty()) return data;
-  z_stream stream = streamOver(*data);
+  z_stream stream = {};
+  setInput(stream, *data);
   if (deflateInit2_(&stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, kGzipWrapper, kMemoryLevel,
                     Z_DEFAULT_STRATEGY, kZlibInterface, sizeof stream) != Z_OK) {
     return nullptr;
   }
+  const StartedDeflate started(&stream);
   std::vector<std::byte> buffer(kDeflateStep);
   do {
     makeRoom(stream, buffer, kDeflateStep);
     deflate(&stream, Z_FINISH);
   } while (stream.avail_out == 0);
-  deflateEnd(&stream);
   return dataFromStart(std::move(buffer), stream.total_out);
 }
 
@@ -71,25 +63,26 @@ Ref<NSData> RVF_inflate(const Ref<NSData>& data) {
   if (!data || data->empty()) return data;
   const auto inputLength = static_cast<std::uint32_t>(data->length());
   const std::uint32_t step = inputLength / 2;
-  z_stream stream = streamOver(*data);
+  z_stream stream = {};
+  setInput(stream, *data);
   if (inflateInit2_(&stream, kDetectedWrapper, kZlibInterface, sizeof stream) != Z_OK) {
     return nullptr;
   }
+  StartedInflate started(&stream);
   std::vector<std::byte> buffer(inputLength + step);  // a 32-bit sum
   int result = Z_OK;
   while (result == Z_OK) {
     makeRoom(stream, buffer, step);
     result = inflate(&stream, Z_SYNC_FLUSH);
   }
-  if (inflateEnd(&stream) != Z_OK || result != Z_STREAM_END) return nullptr;
+  if (inflateEnd(started.release()) != Z_OK || result != Z_STREAM_END) return nullptr;
   return dataFromStart(std::move(buffer), stream.total_out);
 }
 
 Ref<NSData> RVF_encryptWithSeed(const Ref<NSData>& data, std::string_view seed) {
   if (!data) return nullptr;
   if (seed.empty() && !data->empty()) {
-    failAssertion("RVF_encryptWithSeed", "RVFoundation/NSData-RVFExtensions", __LINE__,
-                  "seed.length!=0");
+    failAssertion("RVF_encryptWithSeed", kSource, kNoLine, "seed.length!=0");
   }
   std::vector<std::byte> bytes(data->bytes().begin(), data->bytes().end());
   const auto key = std::as_bytes(std::span(seed));

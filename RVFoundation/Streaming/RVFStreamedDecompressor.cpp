@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "RVFoundation/Streaming/RVFStreamedDecompressor.h"
 
-#include <zlib.h>
-
 #include <algorithm>
 #include <cstddef>
 #include <limits>
@@ -15,14 +13,12 @@
 #include "Platform/Values/NSString.h"
 #include "RVFoundation/CoreServices/RVFErrors.h"
 #include "RVFoundation/CoreServices/RVFLibraryBundle.h"
+#include "RVFoundation/Streaming/ZlibStream.h"
 
 namespace rvf {
 namespace {
 
 const ClassRegistration kRegistration(&RVFStreamedDecompressor::classObject);
-
-constexpr const char* kZlibInterface = "1.2.8";
-constexpr int kDetectedWrapper = 47;  // 15-bit window, zlib or gzip by its header
 
 void report(Ref<NSError>* error, RVFErrorCode code) {
   reportError(error, [code] { return NSError::errorWithDomain(RVFErrorDomain, code); });
@@ -82,11 +78,6 @@ class Accumulator final {
 struct RVFStreamedDecompressor::Stream {
   z_stream record = {};
 
-  void setInput(const NSData& chunk) {
-    record.next_in =
-        reinterpret_cast<Bytef*>(const_cast<std::byte*>(chunk.bytes().data()));  // only read
-    record.avail_in = static_cast<uInt>(chunk.length());
-  }
   int inflateInto(std::byte* output, uInt room) {
     record.next_out = reinterpret_cast<Bytef*>(output);
     record.avail_out = room;
@@ -133,7 +124,7 @@ Ref<NSData> RVFStreamedDecompressor::decompressChunk(const Ref<NSData>& chunk,
     return chunk;
   }
   Stream& stream = *strm_;
-  stream.setInput(*chunk);
+  setInput(stream.record, *chunk);
   decompressionStarted_ = true;
   const auto room =
       static_cast<uInt>(std::min<std::size_t>(chunk->length(), std::numeric_limits<uInt>::max()));

@@ -3,7 +3,6 @@
 // Whole answers through the decompressor and the parser, cut, truncated and damaged.
 
 #include <gtest/gtest.h>
-#include <malloc.h>
 #include <zlib.h>
 
 #include <algorithm>
@@ -19,37 +18,20 @@
 #include "RVFoundation/Streaming/RVFStreamedSAXParser.h"
 #include "tests/RVFoundation/Streaming/CallDigest.h"
 #include "tests/RVFoundation/Streaming/CompressedBytes.h"
-
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define RVF_TEST_SANITIZED
-#endif
-#endif
-
-#ifdef RVF_TEST_SANITIZED
-#include <sanitizer/allocator_interface.h>
-#endif
+#include "tests/RVFoundation/Streaming/HeapUse.h"
 
 namespace rvf {
 namespace {
 
 using test::CallDigest;
 using test::compressedBytes;
+using test::heapBytesInUse;
 using test::Wrapper;
 
 #ifdef RVF_TEST_SANITIZED
 constexpr std::size_t kLargeAnswer = 50'000'000;
-
-std::size_t heapBytesInUse() {
-  return __sanitizer_get_current_allocated_bytes();
-}
 #else
 constexpr std::size_t kLargeAnswer = 500'000'000;
-
-std::size_t heapBytesInUse() {
-  const auto heap = mallinfo2();
-  return heap.uordblks + heap.hblkhd;
-}
 #endif
 
 Ref<NSData> dataOf(std::string_view bytes) {
