@@ -6,6 +6,7 @@
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
 #include "Platform/Runtime/NSAutoreleasePool.h"
+#include "Platform/Runtime/ScopeExit.h"
 
 namespace rvf {
 namespace {
@@ -70,14 +71,16 @@ void RVFBlockQueue::startNextBlock() {
 
 void RVFBlockQueue::endRun(const Ref<NSError>& error) {
   const auto self = refTo(this);
+  const ScopeExit ended([this] {
+    // A done callback that is called once too often has no run to end.
+    if (selfReferences_.empty()) return;
+    autorelease(std::move(selfReferences_.back()));
+    selfReferences_.pop_back();
+  });
   if (const Completion completion = completion_) {
+    const ScopeExit cleared([this] { completion_ = nullptr; });
     completion(error);
-    completion_ = nullptr;
   }
-  // A done callback that is called once too often has no run to end.
-  if (selfReferences_.empty()) return;
-  autorelease(std::move(selfReferences_.back()));
-  selfReferences_.pop_back();
 }
 
 }  // namespace rvf

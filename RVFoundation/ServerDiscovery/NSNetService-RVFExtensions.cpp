@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "Platform/Runtime/NSAutoreleasePool.h"
+#include "Platform/Runtime/ScopeExit.h"
 #include "RVFoundation/ServerDiscovery/RVFNetServiceResolver.h"
 
 namespace rvf {
@@ -18,11 +19,13 @@ void RVF_resolveWithTimeout(const Ref<NSNetService>& service, double timeoutSeco
       [resolver, service, completion = std::move(usingCompletion)](
           const Ref<NSNetService>& resolved, const Ref<NSError>& error, bool wasStopped) {
         resolver->setPrivateService(resolved);
+        const ScopeExit done([&resolver, &resolved] {
+          resolved->setDelegate({});
+          autorelease(resolver);  // survives its own delegate callback
+          resolver->setPrivateCompletion(nullptr);
+          resolver->setPrivateService(nullptr);
+        });
         completion(resolved, error, wasStopped);
-        resolved->setDelegate({});
-        autorelease(resolver);  // survives its own delegate callback
-        resolver->setPrivateCompletion(nullptr);
-        resolver->setPrivateService(nullptr);
       });
   service->resolveWithTimeout(timeoutSeconds);
 }

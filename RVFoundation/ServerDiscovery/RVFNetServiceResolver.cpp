@@ -6,6 +6,7 @@
 #include "Platform/Network/NSNetServicesError.h"
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
+#include "Platform/Runtime/ScopeExit.h"
 #include "Platform/Values/NSNumber.h"
 
 namespace rvf {
@@ -54,8 +55,9 @@ void RVFNetServiceResolver::setPrivateService(Ref<NSNetService> service) {
 
 void RVFNetServiceResolver::netServiceDidResolveAddress(const Ref<NSNetService>& service) {
   if (service->addresses().empty()) return;
+  // Not reported back: the completion took the delegate away.
+  const ScopeExit stopped([held = service] { held->stop(); });
   complete(service, nullptr, false);
-  service->stop();  // not reported back: the completion took the delegate away
 }
 
 void RVFNetServiceResolver::netServiceDidNotResolve(const Ref<NSNetService>& service,

@@ -10,6 +10,7 @@
 #include "Platform/Locale/NSBundle.h"
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
+#include "Platform/Runtime/ScopeExit.h"
 #include "Platform/System/UUID.h"
 #include "Platform/Values/NSString.h"
 #include "RVFoundation/BackgroundExecution/NSObject-RVFExtensions.h"
@@ -165,8 +166,7 @@ std::size_t RVFStaticServer::hash() const {
 
 void RVFStaticServer::resolveUsingCompletion(Completion completion) {
   const auto self = refTo(this);
-  if (const Completion replaced = completion_) replaced(self, std::nullopt, nullptr, true);
-  setCompletion(std::move(completion));
+  replaceCompletion(self, std::move(completion));
   cancelResolving_ = false;
   const std::string address = serverAddress_.value_or("");
   const RVFServerAddressParts parts = RVFSplitServerAddress(address);
@@ -176,12 +176,21 @@ void RVFStaticServer::resolveUsingCompletion(Completion completion) {
       });
 }
 
+/// The pending completion goes even if it throws: it has been called.
+void RVFStaticServer::replaceCompletion(const Ref<RVFStaticServer>& self, Completion completion) {
+  if (const Completion replaced = completion_) {
+    const ScopeExit cleared([this] { setCompletion(nullptr); });
+    replaced(self, std::nullopt, nullptr, true);
+  }
+  setCompletion(std::move(completion));
+}
+
 void RVFStaticServer::stopResolving() {
   const auto self = refTo(this);
   cancelResolving_ = true;
   if (const Completion abandoned = completion_) {
+    const ScopeExit cleared([this] { setCompletion(nullptr); });
     abandoned(self, std::nullopt, nullptr, false);
-    setCompletion(nullptr);
   }
 }
 
@@ -205,8 +214,8 @@ void RVFStaticServer::resolveAddressForHost(std::string_view host, std::string_v
 
 void RVFStaticServer::deliver(const Addresses& addresses, const Ref<NSError>& error) {
   if (const Completion completion = completion_) {
+    const ScopeExit cleared([this] { setCompletion(nullptr); });
     completion(refTo(this), addresses, error, false);
-    setCompletion(nullptr);
   }
 }
 

@@ -98,6 +98,7 @@ class RVF_EXPORT RVFStaticServer : public NSObject {
   std::size_t hash() const override;
 
  private:
+  void replaceCompletion(const Ref<RVFStaticServer>& self, Completion completion);
   void deliver(const Addresses& addresses, const Ref<NSError>& error);
 
   std::optional<std::string> serverAddress_;

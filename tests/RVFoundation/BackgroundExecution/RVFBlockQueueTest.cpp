@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -195,6 +196,13 @@ TEST_F(RVFBlockQueueTest, ACompletionMayClearItselfWhileItRuns) {
   EXPECT_EQ(witness.use_count(), 1);
 }
 
+TEST_F(RVFBlockQueueTest, ACompletionThatThrowsIsClearedAllTheSame) {
+  const auto refuse = [](const Ref<NSError>&) { throw std::runtime_error("refused"); };
+  EXPECT_THROW(queue->executeQueueUsingCompletion(refuse), std::runtime_error);
+  EXPECT_FALSE(queue->completion());
+  queue->executeQueue();
+}
+
 TEST_F(RVFBlockQueueTest, AStepIsDestroyedOnceItHasRun) {
   const auto witness = std::make_shared<int>();
   queue->addBlock([witness](const QueueRef&, const Done& done) { done(nullptr); });
@@ -292,6 +300,19 @@ TEST_F(RVFBlockQueueLifetimeTest, AnErrorGivesUpTheReferenceToo) {
     std::exchange(kept, nullptr)(NSError::errorWithDomain("Refused", 1));
   }
   EXPECT_TRUE(queue.expired());
+}
+
+TEST_F(RVFBlockQueueLifetimeTest, ACompletionThatThrowsGivesUpTheReferenceToo) {
+  std::weak_ptr<RVFBlockQueue> ended;
+  {
+    const NSAutoreleasePool scope;
+    const auto queue = RVFBlockQueue::queue();
+    ended = queue;
+    EXPECT_THROW(queue->executeQueueUsingCompletion(
+                     [](const Ref<NSError>&) { throw std::runtime_error("refused"); }),
+                 std::runtime_error);
+  }
+  EXPECT_TRUE(ended.expired());
 }
 
 TEST_F(RVFBlockQueueLifetimeTest, TheCompletionMayDropTheLastReferences) {

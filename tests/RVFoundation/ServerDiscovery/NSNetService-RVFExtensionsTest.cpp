@@ -4,6 +4,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <memory>
+#include <stdexcept>
+
 #include "Platform/Network/NSNetServicesError.h"
 #include "Platform/Network/SocketAddress.h"
 #include "Platform/RunLoop/ManualRunLoopClock.h"
@@ -127,6 +130,20 @@ TEST_F(ResolveTest, TheResolverSurvivesItsCallbackUntilTheScopeEnds) {
     EXPECT_FALSE(resolver.expired());
   }
   EXPECT_TRUE(resolver.expired());
+}
+
+TEST_F(ResolveTest, ACompletionThatThrowsEndsTheResolutionAllTheSame) {
+  const auto completion = std::make_shared<int>();
+  RVF_resolveWithTimeout(service_, 0, [completion](const auto&, const auto&, bool) {
+    throw std::runtime_error("refused");
+  });
+  {
+    const NSAutoreleasePool pool;
+    EXPECT_THROW(locate("10.0.0.5"), std::runtime_error);
+  }
+  EXPECT_EQ(service_->delegate(), nullptr);
+  EXPECT_FALSE(discovery_->resolutions[0]->isActive);
+  EXPECT_EQ(completion.use_count(), 1) << "the resolver keeps itself alive";
 }
 
 TEST_F(ResolveTest, TheCompletionMayResolveAnew) {

@@ -12,6 +12,7 @@
 #include <map>
 #include <mutex>
 #include <regex>
+#include <stdexcept>
 
 #include "Platform/Network/SocketAddress.h"
 #include "Platform/RunLoop/NSRunLoop.h"
@@ -323,6 +324,27 @@ TEST(RVFStaticServer, ARestartFromInsideTheCompletionLosesTheNewOne) {
   EXPECT_FALSE(server->completion());
   EXPECT_TRUE(runUntil([&] { return server.use_count() == 1; }));
   EXPECT_THAT(inner, IsEmpty());
+}
+
+TEST(RVFStaticServer, ACompletionThatThrowsWhenDeliveredIsClearedAllTheSame) {
+  const auto server = RVFStaticServer::staticServerWithAddress("10.0.0.5");
+  server->resolveUsingCompletion(
+      [](const auto&, const auto&, const auto&, bool) { throw std::runtime_error("refused"); });
+  EXPECT_THROW(runUntil([&] { return !server->completion(); }), std::runtime_error);
+  EXPECT_FALSE(server->completion());
+}
+
+TEST(RVFStaticServer, ACompletionThatThrowsWhenStoppedOrReplacedIsClearedAllTheSame) {
+  const auto server = RVFStaticServer::staticServerWithAddress("10.0.0.5");
+  const auto refuse = [](const auto&, const auto&, const auto&, bool) {
+    throw std::runtime_error("refused");
+  };
+  server->setCompletion(refuse);
+  EXPECT_THROW(server->stopResolving(), std::runtime_error);
+  EXPECT_FALSE(server->completion());
+  server->setCompletion(refuse);
+  EXPECT_THROW(server->resolveUsingCompletion(refuse), std::runtime_error);
+  EXPECT_FALSE(server->completion());
 }
 
 TEST(RVFStaticServer, NewServerHasAFreshCanonicalIdAndNoDescription) {
