@@ -43,13 +43,11 @@ class Waiting final {
   void wait() {
     std::unique_lock lock(mutex_);
     finished_.wait(lock, [this] { return outcome_ != Outcome::kPending; });
-    if (outcome_ == Outcome::kDropped) raiseThreadFinished();
+    if (outcome_ == Outcome::kDropped) {
+      NSException::raise(NSDestinationInvalidException,
+                         "the target thread finished before the work was performed");
+    }
     if (exception_) std::rethrow_exception(std::exchange(exception_, nullptr));
-  }
-
-  [[noreturn]] static void raiseThreadFinished() {
-    NSException::raise(NSDestinationInvalidException,
-                       "the target thread finished before the work was performed");
   }
 
  private:
@@ -74,7 +72,6 @@ class AwaitedBlock final {
   void perform() {
     std::exception_ptr exception;
     try {
-      const NSAutoreleasePool pool;
       std::exchange(block_, nullptr)();
     } catch (...) {
       exception = std::current_exception();
@@ -109,7 +106,6 @@ void perform(const Ref<NSThread>& thread, Block&& block, bool waitUntilDone,
   if (modes && modes->empty()) return;
   if (!thread) NSException::raise(NSInvalidArgumentException, "the target thread is absent");
   if (waitUntilDone && thread->isCurrentThread()) return block();
-  if (thread->isFinished()) Waiting::raiseThreadFinished();
   if (waitUntilDone) return postAndWait(*thread->runLoop(), std::move(block), modes);
   post(*thread->runLoop(), std::move(block), modes);
 }

@@ -21,8 +21,8 @@
 /// thread. Without it the message is always queued, also on the caller's own thread, and an
 /// exception leaves the run call of the target thread.
 ///
-/// A thread that has finished, or finishes before the message that a caller waits for was sent,
-/// raises `NSDestinationInvalidException` in the caller.
+/// A thread that has finished, or finishes before the message was sent, raises
+/// `NSDestinationInvalidException` in a caller that waits; without one the message is dropped.
 namespace rvf {
 
 /// In the common modes.

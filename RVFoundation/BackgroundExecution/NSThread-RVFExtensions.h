@@ -14,8 +14,9 @@ namespace rvf {
 /// `NSThread_RVFExtensions::RVF_runBlock`. With `waitUntilDone` the call returns when the block
 /// has run, and raises what the block raises.
 ///
-/// Raises `NSDestinationInvalidException` if the thread has finished, or finishes before a block
-/// that is waited for has run. An empty list of modes drops the block; so does an absent thread.
+/// A caller that waits is raised `NSDestinationInvalidException` if the thread has finished, or
+/// finishes before the block has run; without waiting the block is then dropped. An empty list of
+/// modes drops the block; so does an absent thread.
 RVF_EXPORT void RVF_performBlock(const Ref<NSThread>& thread, std::function<void()> block,
                                  bool waitUntilDone, const RunLoopModes& modes);
 /// The same in the common modes.

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <poll.h>
 
+#include <chrono>
 #include <functional>
 #include <future>
 #include <memory>
@@ -186,16 +187,45 @@ TEST_F(PerformSelectorTest, AThreadThatFinishesRaisesInTheWaiter) {
   EXPECT_THAT(taken, IsEmpty());
 }
 
-TEST_F(PerformSelectorTest, AFinishedThreadRaisesWhetherOrNotTheCallerWaits) {
+TEST_F(PerformSelectorTest, AFinishedThreadRaisesOnlyIfTheCallerWaits) {
   ServingThread serving;
   serving.finish();
-  for (const bool wait : {false, true}) {
-    EXPECT_EQ(nameOfRaised([&] {
-                performSelectorOnThread(receiver(), kTake, serving.thread(), nullptr, wait);
-              }),
-              NSDestinationInvalidException)
-        << "wait: " << wait;
+  const auto performing = [&](bool wait) {
+    return nameOfRaised(
+        [&] { performSelectorOnThread(receiver(), kTake, serving.thread(), nullptr, wait); });
+  };
+  EXPECT_EQ(performing(true), NSDestinationInvalidException);
+  EXPECT_EQ(performing(false), "nothing");
+  EXPECT_THAT(taken, IsEmpty());
+}
+
+/// Notes when it is destroyed whether the future was ready by then, or soon after.
+class ReadinessWitness final : public NSObject {
+ public:
+  ReadinessWitness(std::future<void> future, bool& wasReady)
+      : future_(std::move(future)), wasReady_(wasReady) {}
+  ~ReadinessWitness() override {
+    wasReady_ = future_.wait_for(std::chrono::seconds(5)) == std::future_status::ready;
   }
+
+ private:
+  std::future<void> future_;
+  bool& wasReady_;
+};
+
+TEST_F(PerformSelectorTest, AnAwaitedMessageHasNoScopeBesideThatOfItsCallout) {
+  bool hadReturned = false;
+  {
+    ServingThread serving;
+    std::promise<void> returned;
+    const id target = std::make_shared<Receiver>([&](const id&) {
+      autorelease(std::make_shared<ReadinessWitness>(returned.get_future(), hadReturned));
+    });
+    performSelectorOnThread(target, kTake, serving.thread(), nullptr, true);
+    returned.set_value();
+    serving.finish();
+  }
+  EXPECT_TRUE(hadReturned);
 }
 
 TEST_F(PerformSelectorTest, AnAbsentThreadRaises) {
