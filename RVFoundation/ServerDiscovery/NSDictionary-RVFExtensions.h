@@ -20,9 +20,8 @@ struct RVF_EXPORT NSDictionary_RVFExtensions {
 };
 
 /// The dictionary as query text, "key=value" joined by "&": keys in ascending order by UTF-16 code
-/// unit, both escaped by `RVF_stringByEscapingForURLArgument`. With `form` a blank is "+" instead
-/// of
-/// "%20". Absent for an absent dictionary.
+/// unit, both escaped by `RVF_stringByEscapingForURLArgument`. With `form` a blank is "+", without
+/// it "%20". Absent for an absent dictionary.
 ///
 /// Keys and values are texts of well-formed UTF-8; anything else raises
 /// `NSInvalidArgumentException`.
