@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Platform/Locale/NSLocale.h"
 
+#include <unicode/dcfmtsym.h>
+#include <unicode/locid.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <functional>
@@ -139,6 +142,18 @@ std::string NSLocale::countryCode() const {
   std::string code(subtag);
   std::ranges::transform(code, code.begin(), raised);
   return code;
+}
+
+std::string NSLocale::decimalSeparator() const {
+  if (identifier_ == kPOSIXIdentifier) return ".";
+  UErrorCode status = U_ZERO_ERROR;
+  const icu::DecimalFormatSymbols symbols(icu::Locale(identifier_.c_str()), status);
+  std::string separator;
+  if (U_SUCCESS(status)) {
+    symbols.getConstSymbol(icu::DecimalFormatSymbols::kDecimalSeparatorSymbol)
+        .toUTF8String(separator);
+  }
+  return separator.empty() ? "." : separator;
 }
 
 bool NSLocale::isEqual(const NSObject* other) const {

@@ -41,6 +41,8 @@ class RVF_EXPORT NSLocale final : public NSObject {
   std::string languageCode() const;
   /// "AT" or "419": two ASCII letters in upper case or three digits; empty if there is none.
   std::string countryCode() const;
+  /// "," in Germany, "." in an unknown locale.
+  std::string decimalSeparator() const;
 
   bool isEqual(const NSObject* other) const override;
   std::size_t hash() const override;

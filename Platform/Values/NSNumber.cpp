@@ -3,6 +3,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
 #include <compare>
 #include <functional>
@@ -96,7 +97,17 @@ std::string NSNumber::stringValue() const {
   return std::visit([](auto value) { return fmt::format("{}", value); }, storage_);
 }
 
+float NSNumber::floatValue() const {
+  const double value = doubleValue();
+  constexpr double kLargest = std::numeric_limits<float>::max();
+  constexpr double kHalfStep = 0x1p103;  // from the largest float; there rounding goes to infinity
+  if (std::fabs(value) >= kLargest + kHalfStep)
+    return std::copysign(std::numeric_limits<float>::infinity(), value < 0 ? -1.0F : 1.0F);
+  return static_cast<float>(std::clamp(value, -kLargest, kLargest));
+}
+
 int NSNumber::compare(const NSNumber& other) const {
+  if (other.isDecimal()) return -other.compare(*this);
   return std::visit(Comparison(), storage_, other.storage_);
 }
 
@@ -110,11 +121,11 @@ std::size_t NSNumber::hash() const {
   return std::isnan(value) ? 0 : std::hash<double>()(value);
 }
 
-std::uint64_t NSNumber::bits() const {
-  if (const auto* integer = std::get_if<std::int64_t>(&storage_)) {
-    return static_cast<std::uint64_t>(*integer);
+std::uint64_t NSNumber::bitsOf(const Storage& integer) {
+  if (const auto* number = std::get_if<std::int64_t>(&integer)) {
+    return static_cast<std::uint64_t>(*number);
   }
-  return std::get<std::uint64_t>(storage_);
+  return std::get<std::uint64_t>(integer);
 }
 
 std::int64_t NSNumber::saturated(double value, std::size_t bytes) {

@@ -37,7 +37,7 @@ class RVF_EXPORT NSNumber : public NSValue {
   static Class classObject();
   Class isa() const override;
 
-  bool boolValue() const;
+  virtual bool boolValue() const;
   signed char charValue() const { return integer<signed char>(); }
   unsigned char unsignedCharValue() const { return integer<unsigned char>(); }
   short shortValue() const { return integer<short>(); }
@@ -50,7 +50,8 @@ class RVF_EXPORT NSNumber : public NSValue {
   unsigned long unsignedIntegerValue() const { return integer<unsigned long>(); }
   long long longLongValue() const { return integer<long long>(); }
   unsigned long long unsignedLongLongValue() const { return integer<unsigned long long>(); }
-  float floatValue() const { return static_cast<float>(doubleValue()); }
+  /// The nearest float; infinite beyond the range of floats.
+  float floatValue() const;
   virtual double doubleValue() const;
 
   /// The shortest decimal text that reads back to the same value of the type that the number was
@@ -68,6 +69,11 @@ class RVF_EXPORT NSNumber : public NSValue {
   using Storage = std::variant<std::int64_t, std::uint64_t, double>;
   NSNumber(Storage storage, const std::string& typeCode);
 
+  /// What integer readings start from: an integer, or a fraction that they truncate.
+  virtual Storage integerForm() const { return storage_; }
+  /// Whether this number is the one to compare the two, whichever of them is asked.
+  virtual bool isDecimal() const noexcept { return false; }
+
  private:
   template <class T>
   static Storage storageOf(T value) {
@@ -82,13 +88,14 @@ class RVF_EXPORT NSNumber : public NSValue {
 
   template <class T>
   T integer() const {
-    if (const auto* fraction = std::get_if<double>(&storage_)) {
+    const Storage form = integerForm();
+    if (const auto* fraction = std::get_if<double>(&form)) {
       return std::is_signed_v<T> ? static_cast<T>(saturated(*fraction, sizeof(T)))
                                  : static_cast<T>(saturatedUnsigned(*fraction, sizeof(T)));
     }
-    return static_cast<T>(bits());
+    return static_cast<T>(bitsOf(form));
   }
-  std::uint64_t bits() const;
+  static std::uint64_t bitsOf(const Storage& integer);
   static std::int64_t saturated(double value, std::size_t bytes);
   static std::uint64_t saturatedUnsigned(double value, std::size_t bytes);
 

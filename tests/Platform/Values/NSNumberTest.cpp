@@ -157,5 +157,20 @@ TEST(NSNumber, EveryFractionReadsBackFromItsText) {
   }));
 }
 
+TEST(NSNumber, FloatsBeyondTheirRangeAreInfinite) {
+  constexpr float kLargest = std::numeric_limits<float>::max();
+  const std::pair<double, float> rows[] = {
+      {0.5, 0.5F},
+      {kLargest, kLargest},
+      {kLargest + 0x1p102, kLargest},
+      {kLargest + 0x1p103, std::numeric_limits<float>::infinity()},
+      {-1e300, -std::numeric_limits<float>::infinity()},
+      {-kInfinity, -std::numeric_limits<float>::infinity()},
+  };
+  for (const auto& [value, expected] : rows)
+    EXPECT_EQ(box(value)->floatValue(), expected) << value;
+  EXPECT_TRUE(std::isnan(box(kNaN)->floatValue()));
+}
+
 }  // namespace
 }  // namespace rvf
