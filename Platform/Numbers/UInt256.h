@@ -32,8 +32,8 @@ struct UInt256 {
     return a.high != b.high ? a.high <=> b.high : a.low <=> b.low;
   }
   friend constexpr UInt256 operator+(const UInt256& a, const UInt256& b) noexcept {
-    const UInt128 low = a.low + b.low;
-    return {a.high + b.high + (low < a.low ? 1 : 0), low};
+    const UInt128 lowSum = a.low + b.low;
+    return {a.high + b.high + (lowSum < a.low ? 1 : 0), lowSum};
   }
   friend constexpr UInt256 operator-(const UInt256& a, const UInt256& b) noexcept {
     return {a.high - b.high - (a.low < b.low ? 1 : 0), a.low - b.low};
