@@ -10,6 +10,8 @@
 #include <string>
 #include <utility>
 
+#include "Platform/Runtime/ScopeExit.h"
+
 namespace rvf {
 namespace {
 
@@ -30,19 +32,6 @@ double secondsUntil(std::uint64_t monotonicMicroseconds) {
       std::chrono::steady_clock::time_point(std::chrono::microseconds(monotonicMicroseconds));
   return std::chrono::duration<double>(moment - std::chrono::steady_clock::now()).count();
 }
-
-/// Calls it when the scope is left, by an exception too.
-template <class Action>
-class [[nodiscard]] OnExit {
- public:
-  explicit OnExit(Action action) : action_(std::move(action)) {}
-  OnExit(const OnExit&) = delete;
-  OnExit& operator=(const OnExit&) = delete;
-  ~OnExit() { action_(); }
-
- private:
-  Action action_;
-};
 
 }  // namespace
 
@@ -120,7 +109,7 @@ void SystemBus::transmit(Call call) {
 /// A hang-up that sd-bus takes no notice of would be reported for ever: it is a loss too.
 void SystemBus::pump(DescriptorEvents ready) {
   const auto self = shared_from_this();  // a handler may drop the last reference
-  const OnExit rearmed([this] { rearm(); });
+  const ScopeExit rearmed([this] { rearm(); });
   const Progress progress = isLost_ ? Progress::broken : receive();
   const bool hungUp = ready.hangUp || ready.error;
   isLost_ = progress == Progress::broken || (hungUp && progress == Progress::none);

@@ -50,7 +50,8 @@ class SystemBus final : public std::enable_shared_from_this<SystemBus> {
   /// bus goes. Calls are sent in order, so many at a time as the bus allows to be unanswered.
   /// Without a handler no reply is asked for, and the call overtakes those that wait.
   void send(BusMessage message, Handler reply);
-  /// Drops the connection; what was sent is still delivered. No handler is called any more.
+  /// Drops the connection, and with it the calls that the bus has not taken yet. No handler is
+  /// called any more.
   void close() noexcept;
 
  private:

@@ -2,9 +2,10 @@
 #include "Platform/Network/AvahiEmbedded/ClockStepWatch.h"
 
 #include <sys/timerfd.h>
+#include <unistd.h>
 
 #include <cstdint>
-#include <limits>
+#include <ctime>
 #include <string>
 #include <utility>
 
@@ -12,38 +13,49 @@ namespace rvf {
 namespace {
 
 constexpr std::chrono::milliseconds kSmallestStep{500};
+/// No date to wait for, only one that lies ahead: the timer is armed anew when it is reached.
+constexpr time_t kFarAheadSeconds = 365 * 24 * 60 * 60;
+
+int openTimer() {
+  return ::timerfd_create(CLOCK_REALTIME, TFD_NONBLOCK | TFD_CLOEXEC);
+}
+
+void armTimer(int timer) {
+  itimerspec date{};
+  date.it_value.tv_sec = ::time(nullptr) + kFarAheadSeconds;
+  ::timerfd_settime(timer, TFD_TIMER_ABSTIME | TFD_TIMER_CANCEL_ON_SET, &date, nullptr);
+}
+
+ClockStepWatch::Offset wallClockOffset() {
+  return std::chrono::system_clock::now().time_since_epoch() -
+         std::chrono::steady_clock::now().time_since_epoch();
+}
 
 }  // namespace
 
-ClockStepWatch::ClockStepWatch(NSRunLoop& loop, std::function<void()> stepped)
+ClockStepWatch::Clocks ClockStepWatch::systemClocks() {
+  return {&openTimer, &armTimer, &wallClockOffset};
+}
+
+ClockStepWatch::ClockStepWatch(NSRunLoop& loop, std::function<void()> stepped, Clocks clocks)
     : stepped_(std::move(stepped)),
-      offset_(wallClockOffset()),
-      timer_(::timerfd_create(CLOCK_REALTIME, TFD_NONBLOCK | TFD_CLOEXEC)) {
+      clocks_(std::move(clocks)),
+      offset_(clocks_.offset()),
+      timer_(clocks_.openTimer()) {
   if (!timer_) return;
-  arm();
+  clocks_.armTimer(timer_.get());
   DescriptorEvents wanted;
   wanted.readable = true;
   source_ = loop.watchDescriptor(timer_.get(), wanted, {std::string(NSRunLoopCommonModes)},
                                  [this](DescriptorEvents) { cancelled(); });
 }
 
-/// How far the wall clock is ahead of the monotonic one.
-ClockStepWatch::Offset ClockStepWatch::wallClockOffset() {
-  return std::chrono::system_clock::now().time_since_epoch() -
-         std::chrono::steady_clock::now().time_since_epoch();
-}
-
-void ClockStepWatch::arm() {
-  itimerspec never{};
-  never.it_value.tv_sec = std::numeric_limits<std::int32_t>::max();  // fits every clock
-  ::timerfd_settime(timer_.get(), TFD_TIMER_ABSTIME | TFD_TIMER_CANCEL_ON_SET, &never, nullptr);
-}
-
 void ClockStepWatch::cancelled() {
   std::uint64_t expirations = 0;
-  const auto length = ::read(timer_.get(), &expirations, sizeof expirations);
-  if (length < 0) arm();  // ECANCELED
-  const Offset before = std::exchange(offset_, wallClockOffset());
+  // Fails with ECANCELED when the clock was set, and reads when the date was reached.
+  [[maybe_unused]] const auto length = ::read(timer_.get(), &expirations, sizeof expirations);
+  clocks_.armTimer(timer_.get());
+  const Offset before = std::exchange(offset_, clocks_.offset());
   if (std::chrono::abs(offset_ - before) < kSmallestStep) return;
   const auto stepped = stepped_;
   stepped();

@@ -40,10 +40,15 @@ EmbeddedResolve::~EmbeddedResolve() {
 void EmbeddedResolve::attach(AvahiServer& server) {
   const auto name = fullServiceName(identity_);
   if (!name) return outbox_.send(&ResolveEvents::failed, NSNetServicesError::badArgument);
-  service_.emplace(server, *name, AVAHI_DNS_TYPE_SRV,
-                   [this, &server](const AvahiRecord& record, int) { located(server, record); });
-  if (service_->isRunning()) return;
-  outbox_.send(&ResolveEvents::failed, discoveryError(avahi_server_errno(&server)));
+  watch(service_, server, *name, AVAHI_DNS_TYPE_SRV,
+        [this, &server](const AvahiRecord& record, int) { located(server, record); });
+}
+
+void EmbeddedResolve::watch(std::optional<RecordWatch>& records, AvahiServer& server,
+                            const std::string& name, std::uint16_t type, RecordWatch::Added added) {
+  records.emplace(server, name, type, std::move(added), [this](NSNetServicesError error) {
+    outbox_.send(&ResolveEvents::failed, error);
+  });
 }
 
 void EmbeddedResolve::detach() {
@@ -53,20 +58,22 @@ void EmbeddedResolve::detach() {
   hostName_.clear();
 }
 
-/// Told once for each link; only another answer counts.
+/// Told once for each link; only another answer counts. The root as host says that there is none
+/// (RFC 2782).
 void EmbeddedResolve::located(AvahiServer& server, const AvahiRecord& record) {
   const auto& service = record.data.srv;
+  if (withFinalDot(service.name).size() <= 1) return;
   if (hostName_ == service.name && port_ == service.port) return;
   hostName_ = service.name;
   port_ = service.port;
   outbox_.send(&ResolveEvents::located, hostName_, port_);
-  addresses4_.emplace(server, hostName_, AVAHI_DNS_TYPE_A, [this](const AvahiRecord& found, int) {
+  watch(addresses4_, server, hostName_, AVAHI_DNS_TYPE_A, [this](const AvahiRecord& found, int) {
     addressFound(addressOf(found.data.a.address, port_));
   });
-  addresses6_.emplace(server, hostName_, AVAHI_DNS_TYPE_AAAA,
-                      [this](const AvahiRecord& found, int interfaceIndex) {
-                        addressFound(addressOf(found.data.aaaa.address, port_, interfaceIndex));
-                      });
+  watch(addresses6_, server, hostName_, AVAHI_DNS_TYPE_AAAA,
+        [this](const AvahiRecord& found, int interfaceIndex) {
+          addressFound(addressOf(found.data.aaaa.address, port_, interfaceIndex));
+        });
 }
 
 void EmbeddedResolve::addressFound(const SocketAddress& address) {

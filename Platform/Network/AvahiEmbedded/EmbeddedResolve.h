@@ -25,6 +25,8 @@ class EmbeddedResolve final : public DiscoveryActivity, private EmbeddedStack::C
  private:
   void attach(AvahiServer& server) override;
   void detach() override;
+  void watch(std::optional<RecordWatch>& records, AvahiServer& server, const std::string& name,
+             std::uint16_t type, RecordWatch::Added added);
   void located(AvahiServer& server, const AvahiRecord& record);
   void addressFound(const SocketAddress& address);
 

@@ -21,11 +21,12 @@ EmbeddedTXTWatch::~EmbeddedTXTWatch() {
 void EmbeddedTXTWatch::attach(AvahiServer& server) {
   const auto name = fullServiceName(identity_);
   if (!name) return outbox_.send(&TXTRecordEvents::failed, NSNetServicesError::badArgument);
-  watch_.emplace(server, *name, AVAHI_DNS_TYPE_TXT, [this](const AvahiRecord& record, int) {
-    outbox_.send(&TXTRecordEvents::updated, txtRecordData(record));
-  });
-  if (watch_->isRunning()) return;
-  outbox_.send(&TXTRecordEvents::failed, discoveryError(avahi_server_errno(&server)));
+  watch_.emplace(
+      server, *name, AVAHI_DNS_TYPE_TXT,
+      [this](const AvahiRecord& record, int) {
+        outbox_.send(&TXTRecordEvents::updated, txtRecordData(record));
+      },
+      [this](NSNetServicesError error) { outbox_.send(&TXTRecordEvents::failed, error); });
 }
 
 void EmbeddedTXTWatch::detach() {
