@@ -30,7 +30,7 @@ class Probe {
 
   void browse(const std::string& type, const std::string& domain = "");
   void stopBrowsing();
-  /// `more` may give "txt", "unique" and "lifetime".
+  /// `more` may give "domain", "txt", "unique" and "lifetime".
   void publish(const std::string& service, const std::string& name, const std::string& type,
                int port, const Json& more = Json::object());
   void setTXT(const std::string& service, const Json& entries);

@@ -58,6 +58,13 @@ TEST_P(PublicationNames, ANameLongerThanALabelIsCutWhereACharacterEnds) {
   publisher_.waitFor({{"event", "published"}, {"name", base}});
 }
 
+TEST(EmbeddedPublication, OfAForeignDomainIsABadArgument) {
+  NetworkHost host("a");
+  Probe publisher(host, Backend::embedded);
+  publisher.publish("till", "Till", "_rvf-test._tcp", 4711, {{"domain", "shop.example."}});
+  EXPECT_EQ(publisher.waitFor({{"event", "didNotPublish"}})["code"], -72004);
+}
+
 TEST_P(PublicationNames, AUniqueNameIsAnnouncedWithoutDelay) {
   seeker_.browse(kType);
   seeker_.waitFor({{"event", "willSearch"}});

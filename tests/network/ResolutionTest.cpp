@@ -90,6 +90,16 @@ TEST_P(Resolution, SucceedsForANameThatAppearsWhileItWaits) {
   EXPECT_EQ(seeker_.waitFor({{"event", "resolved"}})["port"], 4711);
 }
 
+TEST_P(Resolution, FollowsARegistrationThatMovesToAnotherPort) {
+  publishAndResolve();
+  seeker_.waitFor({{"event", "resolved"}, {"port", 4711}});
+  publisher_.stop("till");
+  publisher_.waitFor({{"event", "stopped"}});
+  publisher_.publish("moved", "Till 1", kType, 4712, {{"unique", true}});
+  publisher_.waitFor({{"event", "published"}, {"name", "Till 1"}});
+  seeker_.waitFor({{"event", "resolved"}, {"port", 4712}});
+}
+
 TEST_P(Resolution, IsStoppedAtOnce) {
   seeker_.resolve("absent", "Absent", kType, 15);
   seeker_.waitFor({{"event", "willResolve"}});

@@ -190,6 +190,28 @@ TEST_F(BrowserTest, AFailureOfTheBackEndEndsTheSearch) {
   EXPECT_EQ(script_.browses.size(), 1U);
 }
 
+TEST_F(BrowserTest, StopBeforeAFailureWasReportedReportsTheStopInItsPlace) {
+  search();
+  script_.browses.at(0)->fire(&BrowseEvents::failed, NSNetServicesError::unknown);
+  browser_->stop();
+  EXPECT_THAT(settledLog(), ElementsAre("stop"));
+}
+
+TEST_F(BrowserTest, StopAfterAFailureWasReportedReportsNothingMore) {
+  search();
+  script_.browses.at(0)->fire(&BrowseEvents::failed, NSNetServicesError::unknown);
+  settleRunLoop();
+  browser_->stop();
+  EXPECT_THAT(settledLog(), ElementsAre("not -72000"));
+}
+
+TEST_F(BrowserTest, AStopInsideTheReportOfAFailureReportsNothingMore) {
+  search();
+  observer_->onNote = [this] { browser_->stop(); };
+  script_.browses.at(0)->fire(&BrowseEvents::failed, NSNetServicesError::unknown);
+  EXPECT_THAT(settledLog(), ElementsAre("not -72000"));
+}
+
 TEST_F(BrowserTest, StopReportsBeforeItReturnsAndDropsWhatIsQueued) {
   search();
   find("A");

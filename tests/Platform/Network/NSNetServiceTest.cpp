@@ -101,6 +101,28 @@ TEST_F(NetServiceTest, AddressesThatComeTogetherAreReportedTogether) {
   EXPECT_THAT(settledLog(), ElementsAre("will resolve", "resolved 2", "resolved 3"));
 }
 
+TEST_F(NetServiceTest, AnotherLocationIsReportedWithItsOwnAddressesOnly) {
+  resolve(5);
+  resolution().fire(&ResolveEvents::located, "till.local.", std::uint16_t{80});
+  resolution().fire(&ResolveEvents::addressFound, address("10.0.0.1"));
+  settleRunLoop();
+  resolution().fire(&ResolveEvents::located, "other.local", std::uint16_t{81});
+  EXPECT_THAT(service_->addresses(), IsEmpty());
+  resolution().fire(&ResolveEvents::addressFound, address("10.0.0.2"));
+  EXPECT_THAT(settledLog(), ElementsAre("will resolve", "resolved 1", "resolved 1"));
+  EXPECT_EQ(service_->hostName(), "other.local.");
+  EXPECT_EQ(service_->port(), 81);
+  EXPECT_EQ(SocketAddress::fromDataBlock(service_->addresses()[0])->addressText(), "10.0.0.2");
+}
+
+TEST_F(NetServiceTest, TheSameLocationAgainLosesNoAddress) {
+  resolve(5);
+  resolution().fire(&ResolveEvents::located, "till.local", std::uint16_t{80});
+  resolution().fire(&ResolveEvents::addressFound, address("10.0.0.1"));
+  resolution().fire(&ResolveEvents::located, "till.local.", std::uint16_t{80});
+  EXPECT_THAT(settledLog(), ElementsAre("will resolve", "resolved 1"));
+}
+
 TEST_F(NetServiceTest, AnAddressIsListedOnce) {
   resolve(5);
   resolution().fire(&ResolveEvents::addressFound, address("10.0.0.1"));
