@@ -61,7 +61,7 @@ void NSRunLoop::performInModes(const RunLoopModes& modes, Block block) {
 }
 
 void NSRunLoop::performBlock(Block&& block) {
-  core_->post(ItemModes(), std::move(block));
+  core_->post(std::move(block));
 }
 
 std::unique_ptr<RunLoopSource> NSRunLoop::scheduleTimer(double delaySeconds,

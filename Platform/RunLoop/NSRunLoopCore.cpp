@@ -73,8 +73,12 @@ class NSRunLoop::Core::RunCall final {
 
 NSRunLoop::Core::Core() {
   check(uv_loop_init(&loop_));
-  check(uv_async_init(&loop_, &async_, [](uv_async_t*) {}));
   check(uv_timer_init(&loop_, &timer_));
+  wakePoll_.data = &wakeUp_;
+  check(uv_poll_init(&loop_, &wakePoll_, wakeUp_.descriptor()));
+  check(uv_poll_start(&wakePoll_, UV_READABLE, [](uv_poll_t* poll, int, int) {
+    static_cast<WakeUp*>(poll->data)->receive();
+  }));
   // The wake-up reaches the pollable descriptor only from the first turn on.
   uv_run(&loop_, UV_RUN_NOWAIT);
 }
@@ -88,7 +92,7 @@ void NSRunLoop::Core::close() {
   posts_.close();
   timers_.clear();
   descriptors_.close();
-  uv_close(reinterpret_cast<uv_handle_t*>(&async_), nullptr);
+  uv_close(reinterpret_cast<uv_handle_t*>(&wakePoll_), nullptr);
   uv_close(reinterpret_cast<uv_handle_t*>(&timer_), nullptr);
   while (uv_loop_close(&loop_) == UV_EBUSY)
     uv_run(&loop_, UV_RUN_NOWAIT);
@@ -96,16 +100,12 @@ void NSRunLoop::Core::close() {
 
 // Any thread
 
-void NSRunLoop::Core::sendWake() {
-  uv_async_send(&async_);
-}
-
 void NSRunLoop::Core::post(ItemModes&& modes, Block&& block) {
-  posts_.add(std::move(block), std::move(modes), [this] { sendWake(); });
+  if (posts_.add(std::move(block), std::move(modes))) wakeUp();
 }
 
 void NSRunLoop::Core::wakeUp() {
-  posts_.wakeUnlessClosed([this] { sendWake(); });
+  wakeUp_.send();
 }
 
 void NSRunLoop::Core::stop() {
@@ -202,20 +202,24 @@ bool NSRunLoop::Core::turn(std::string_view mode) {
 
 bool NSRunLoop::Core::takeTurn(std::string_view mode, std::optional<TimePoint> waitLimit) {
   posts_.takeIncoming();
-  poll(running(mode), waitLimit);
-  posts_.takeIncoming();
+  if (poll(running(mode), waitLimit)) posts_.takeIncoming();
   return callOut(mode);
 }
 
-void NSRunLoop::Core::poll(const RunningMode& mode, std::optional<TimePoint> waitLimit) {
+/// Answers whether it was prepared to wait.
+bool NSRunLoop::Core::poll(const RunningMode& mode, std::optional<TimePoint> waitLimit) {
   descriptors_.enable(mode);
   if (waitLimit && !stopRequested_ && !posts_.hasBlock(mode)) {
     const TimePoint until =
         std::min(timers_.nearestDeadline(mode).value_or(*waitLimit), *waitLimit);
     const TimePoint start = now();
-    if (until > start && posts_.prepareToWait()) return pollWaiting(until - start);
+    if (until > start && posts_.prepareToWait()) {
+      pollWaiting(until - start);
+      return true;
+    }
   }
   uv_run(&loop_, UV_RUN_NOWAIT);
+  return false;
 }
 
 void NSRunLoop::Core::pollWaiting(std::chrono::nanoseconds duration) {
@@ -231,22 +235,17 @@ void NSRunLoop::Core::pollWaiting(std::chrono::nanoseconds duration) {
 /// One batch: what is ready now, not what the callouts make ready.
 bool NSRunLoop::Core::callOut(std::string_view mode) {
   const std::uint64_t timersEnd = timers_.end();
-  bool called = callPosts(mode, posts_.end());
+  bool called = callPosts(running(mode));
   called |= callTimers(mode, timersEnd);
   called |= callWatches(mode);
   return called;
 }
 
-bool NSRunLoop::Core::callPosts(std::string_view mode, std::uint64_t end) {
-  bool called = false;
-  std::uint64_t from = 0;
-  const RunningMode runningMode = running(mode);
+bool NSRunLoop::Core::callPosts(const RunningMode& mode) {
   NSAutoreleasePool pool;  // drained after every callout, which is cheaper than opening another
-  while (!stopRequested_ && posts_.callNext(runningMode, from, end)) {
-    called = true;
-    pool.drain();
-  }
-  return called;
+  return posts_.callAll(
+      mode, [this] { return stopRequested_.load(std::memory_order_relaxed); },
+      [&pool] { pool.drain(); });
 }
 
 bool NSRunLoop::Core::callTimers(std::string_view mode, std::uint64_t end) {

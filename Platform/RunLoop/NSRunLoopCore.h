@@ -10,6 +10,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "Platform/RunLoop/DescriptorTable.h"
@@ -17,6 +18,7 @@
 #include "Platform/RunLoop/PostQueue.h"
 #include "Platform/RunLoop/RunLoopClock.h"
 #include "Platform/RunLoop/TimerQueue.h"
+#include "Platform/RunLoop/WakeUp.h"
 
 namespace rvf {
 
@@ -35,6 +37,9 @@ class NSRunLoop::Core final : public std::enable_shared_from_this<NSRunLoop::Cor
   ~Core();
 
   // Any thread
+  void post(Block&& block) {
+    if (posts_.add(std::move(block))) wakeUp();
+  }
   void post(ItemModes&& modes, Block&& block);
   void stop();
   void wakeUp();
@@ -69,19 +74,19 @@ class NSRunLoop::Core final : public std::enable_shared_from_this<NSRunLoop::Cor
   bool hasAnything(const RunningMode& mode) const;
   TimePoint now() const { return clock_->now(); }
   bool takeTurn(std::string_view mode, std::optional<TimePoint> waitLimit);
-  void poll(const RunningMode& mode, std::optional<TimePoint> waitLimit);
+  bool poll(const RunningMode& mode, std::optional<TimePoint> waitLimit);
   void pollWaiting(std::chrono::nanoseconds duration);
   bool callOut(std::string_view mode);
-  bool callPosts(std::string_view mode, std::uint64_t end);
+  bool callPosts(const RunningMode& mode);
   bool callTimers(std::string_view mode, std::uint64_t end);
   bool callWatches(std::string_view mode);
   void leaveOutermostRun();
   void tellHost();
-  void sendWake();
 
   uv_loop_t loop_{};
-  uv_async_t async_{};
+  uv_poll_t wakePoll_{};
   uv_timer_t timer_{};
+  WakeUp wakeUp_;  // outlives the loop: other threads may still send
   PostQueue posts_;
   TimerQueue timers_;
   DescriptorTable descriptors_{loop_};

@@ -42,8 +42,9 @@ std::string systemName(std::string_view name) {
 
 /// What a thread started here is to find as itself when it first asks.
 thread_local const Ref<NSThread>* startedThread = nullptr;
-/// This thread, once it has entered and until it leaves.
-thread_local const NSThread* enteredThread = nullptr;
+/// This thread, once it has entered and until it leaves. Asked for by every perform, hence laid
+/// where no call is needed to find it.
+[[gnu::tls_model("initial-exec")]] thread_local const NSThread* enteredThread = nullptr;
 thread_local bool threadHasLeft = false;
 
 }  // namespace
@@ -163,17 +164,8 @@ bool NSThread::isExecuting() const {
   return state_ == State::kExecuting;
 }
 
-bool NSThread::isFinished() const {
-  return state_ == State::kFinished;
-}
-
 bool NSThread::isCurrentThread() const noexcept {
   return enteredThread ? enteredThread == this : currentThread().get() == this;
-}
-
-const Ref<NSRunLoop>& NSThread::runLoop() {
-  if (!hasRunLoop_) makeRunLoop();
-  return runLoop_;
 }
 
 void NSThread::makeRunLoop() {

@@ -49,11 +49,14 @@ class RVF_EXPORT NSThread final : public NSObject {
   bool isExecuting() const;
   bool isCurrentThread() const noexcept;
   /// True once the thread serves nothing any more.
-  bool isFinished() const;
+  bool isFinished() const { return state_ == State::kFinished; }
 
   /// The thread's loop, made on first use. Other threads may post to it, stop it and wake it up.
   /// The loop of a finished thread drops what is posted.
-  const Ref<NSRunLoop>& runLoop();
+  const Ref<NSRunLoop>& runLoop() {
+    if (!hasRunLoop_) makeRunLoop();
+    return runLoop_;
+  }
 
  private:
   enum class State { kStarting, kExecuting, kFinished };

@@ -2,68 +2,86 @@
 #include "Platform/RunLoop/PostQueue.h"
 
 #include <algorithm>
-#include <iterator>
 
 namespace rvf {
 
 void PostQueue::takeIncoming() {
-  if (nextFresh_ == fresh_.size()) {
-    firstFresh_ += fresh_.size();
-    fresh_.clear();
-    nextFresh_ = 0;
-  }
-  const std::lock_guard lock(mutex_);
+  const std::lock_guard lock(lock_);
   waiting_ = false;
-  if (fresh_.empty()) {
-    fresh_.swap(incoming_);
-  } else {
-    std::move(incoming_.begin(), incoming_.end(), std::back_inserter(fresh_));
-    incoming_.clear();
-  }
+  if (incoming_.blocks.empty()) return;
+  if (!spare_) spare_ = std::make_shared<Batch>();
+  std::swap(*spare_, incoming_);
+  spare_->first = end_;
+  end_ += spare_->blocks.size();
+  taken_.push_back(std::move(spare_));
 }
 
 bool PostQueue::prepareToWait() {
-  const std::lock_guard lock(mutex_);
-  waiting_ = incoming_.empty();
+  const std::lock_guard lock(lock_);
+  waiting_ = incoming_.blocks.empty();
   return waiting_;
 }
 
 bool PostQueue::hasBlock(const RunningMode& mode) const {
-  const auto matches = [&](const Item& item) { return item.modes.match(mode); };
-  const auto next = fresh_.begin() + static_cast<std::ptrdiff_t>(nextFresh_);
+  const auto batchHas = [&](const std::shared_ptr<Batch>& batch) {
+    const auto own = batch->modes.begin() + static_cast<std::ptrdiff_t>(batch->nextModes);
+    const auto ownCount = static_cast<std::size_t>(batch->modes.end() - own);
+    const bool hasCommon = batch->blocks.size() - batch->next > ownCount;
+    return (mode.isCommon && hasCommon) ||
+           std::any_of(own, batch->modes.end(),
+                       [&](const auto& entry) { return entry.second.match(mode); });
+  };
   return std::any_of(skipped_.begin(), skipped_.end(),
-                     [&](const auto& entry) { return matches(entry.second); }) ||
-         std::any_of(next, fresh_.end(), matches);
+                     [&](const auto& entry) { return entry.second.modes.match(mode); }) ||
+         std::any_of(taken_.begin(), taken_.end(), batchHas);
 }
 
-bool PostQueue::callSkipped(const RunningMode& mode, std::uint64_t& from, std::uint64_t end) {
+std::optional<PostQueue::Block> PostQueue::takeSkipped(const RunningMode& mode, std::uint64_t& from,
+                                                       std::uint64_t end) {
   for (auto entry = skipped_.lower_bound(from); entry != skipped_.end() && entry->first < end;
        ++entry) {
     if (!entry->second.modes.match(mode)) continue;
     from = entry->first + 1;
-    const Block block = std::move(entry->second.block);
+    auto block = std::move(entry->second.block);
     skipped_.erase(entry);
-    block();
-    return true;
+    return block;
   }
-  return false;
+  return std::nullopt;
 }
 
-void PostQueue::skip(std::uint64_t position, Item&& item) {
-  skipped_.emplace(position, std::move(item));
+/// Sets the block aside if this mode does not run it.
+bool PostQueue::skip(Batch& batch, std::size_t index, const RunningMode& mode) {
+  const bool hasOwn =
+      batch.nextModes < batch.modes.size() && batch.modes[batch.nextModes].first == index;
+  ItemModes modes = hasOwn ? std::move(batch.modes[batch.nextModes++].second) : ItemModes();
+  if (modes.match(mode)) return false;
+  skipped_.emplace(batch.first + index, Skipped{std::move(batch.blocks[index]), std::move(modes)});
+  return true;
+}
+
+void PostQueue::recycle(const std::shared_ptr<Batch>& batch) {
+  if (batch->next < batch->blocks.size()) return;
+  if (!taken_.empty() && taken_.front() == batch) taken_.pop_front();
+  if (batch.use_count() > 1) return;  // an outer run is inside one of its blocks
+  batch->blocks.clear();
+  batch->modes.clear();
+  batch->next = batch->nextModes = 0;
+  spare_ = batch;
 }
 
 void PostQueue::close() {
-  std::vector<Item> incoming;
+  std::vector<Block> incoming;
   {
-    const std::lock_guard lock(mutex_);
+    const std::lock_guard lock(lock_);
     closed_ = true;
-    incoming.swap(incoming_);
+    incoming.swap(incoming_.blocks);
   }
-  // A dropped block's destructor may reach this queue again, so nothing is destroyed in place.
+  // A dropped block's destructor may reach this queue again, so it is emptied first.
   const auto skipped = std::exchange(skipped_, {});
-  const auto fresh = std::exchange(fresh_, {});
-  nextFresh_ = 0;
+  for (const auto& batch : std::exchange(taken_, {})) {
+    while (batch->next < batch->blocks.size())
+      batch->blocks[batch->next++] = nullptr;
+  }
 }
 
 }  // namespace rvf

@@ -3,43 +3,48 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <map>
+#include <memory>
 #include <mutex>
+#include <optional>
+#include <span>
 #include <utility>
 #include <vector>
 
 #include "Platform/RunLoop/ItemModes.h"
+#include "Platform/RunLoop/SpinLock.h"
 
 namespace rvf {
 
 /// The blocks posted to one loop. Any thread adds; the loop's thread takes over what was added in
-/// one swap and hands the blocks out in order, skipping those of other modes, which keep their
-/// place.
+/// one swap and calls the blocks in order, skipping those of other modes, which keep their place.
 ///
-/// Blocks leave one at a time, immediately before they are called. So whatever a block does
-/// (throw, run the loop again) leaves the others where a later or inner run finds them.
+/// A block is called where it lies, which saves moving it. It may throw, or run the loop again:
+/// the others stay where a later or inner run finds them.
 class PostQueue final {
  public:
   using Block = std::function<void()>;
 
   // Any thread
 
-  /// Adds a block and calls `wake`, still under the lock, if the loop may be waiting. A closed
-  /// queue drops the block.
-  template <class Wake>
-  void add(Block&& block, ItemModes&& modes, const Wake& wake) {
-    const std::lock_guard lock(mutex_);
-    if (closed_) return;
-    incoming_.emplace_back(std::move(block), std::move(modes));
-    wakeIfWaiting(wake);
+  /// Adds a block in the common modes. Answers whether the loop may be waiting, so that the caller
+  /// wakes it. A closed queue drops the block.
+  [[nodiscard]] bool add(Block&& block) {
+    const std::lock_guard lock(lock_);
+    if (closed_) return false;
+    incoming_.blocks.push_back(std::move(block));
+    return std::exchange(waiting_, false);
   }
 
-  /// Calls `wake` under the lock unless the queue is closed.
-  template <class Wake>
-  void wakeUnlessClosed(const Wake& wake) {
-    const std::lock_guard lock(mutex_);
-    if (!closed_) wake();
+  /// The same for other modes.
+  [[nodiscard]] bool add(Block&& block, ItemModes&& modes) {
+    const std::lock_guard lock(lock_);
+    if (closed_) return false;
+    incoming_.modes.emplace_back(incoming_.blocks.size(), std::move(modes));
+    incoming_.blocks.push_back(std::move(block));
+    return std::exchange(waiting_, false);
   }
 
   // The loop's thread
@@ -49,53 +54,91 @@ class PostQueue final {
   /// From now on additions wake the loop. False if there were some already.
   bool prepareToWait();
   bool hasBlock(const RunningMode& mode) const;
-  /// The position after the last block taken over: where a batch that starts now ends.
-  std::uint64_t end() const { return firstFresh_ + fresh_.size(); }
-  /// Takes out and calls the first block of this mode in [from, end), and moves `from` behind it.
-  /// False if there is none.
-  bool callNext(const RunningMode& mode, std::uint64_t& from, std::uint64_t end) {
-    if (!skipped_.empty() && callSkipped(mode, from, end)) return true;
-    while (nextFresh_ < fresh_.size() && firstFresh_ + nextFresh_ < end) {
-      Item& item = fresh_[nextFresh_++];
-      from = firstFresh_ + nextFresh_;
-      if (item.modes.match(mode)) {
-        const Block block = std::move(item.block);  // the list may change while it runs
-        block();
-        return true;
-      }
-      skip(from - 1, std::move(item));
+
+  /// Calls the blocks of this mode that were taken over before this call, until `isStopped()`;
+  /// after each, `afterEach()`. Answers whether there was one.
+  template <class IsStopped, class AfterEach>
+  bool callAll(const RunningMode& mode, const IsStopped& isStopped, const AfterEach& afterEach) {
+    const std::uint64_t end = end_;
+    bool called = callSkipped(mode, isStopped, afterEach);
+    while (!taken_.empty() && taken_.front()->first < end && !isStopped()) {
+      const std::shared_ptr<Batch> batch = taken_.front();  // inner runs may be done with it first
+      called |= callBatch(*batch, mode, isStopped, afterEach);
+      recycle(batch);
     }
-    return false;
+    return called;
   }
+
   /// Refuses additions from now on and drops every block.
   void close();
 
  private:
-  struct Item {
-    Item(Block&& itsBlock, ItemModes&& itsModes) noexcept
-        : block(std::move(itsBlock)), modes(std::move(itsModes)) {}
+  struct Batch {
+    std::vector<Block> blocks;
+    std::vector<std::pair<std::size_t, ItemModes>> modes;  // by index, where not the common ones
+    std::size_t next = 0;                                  // block to call
+    std::size_t nextModes = 0;                             // of that block or a later one
+    std::uint64_t first = 0;                               // position of the first block
+  };
+
+  struct Skipped {
     Block block;
     ItemModes modes;
   };
 
-  template <class Wake>
-  void wakeIfWaiting(const Wake& wake) {
-    if (!waiting_) return;
-    waiting_ = false;
-    wake();
+  /// Drops a block when its call ends, also by an exception.
+  struct Running {
+    ~Running() { block = nullptr; }
+    Block& block;
+  };
+
+  template <class IsStopped, class AfterEach>
+  bool callSkipped(const RunningMode& mode, const IsStopped& isStopped,
+                   const AfterEach& afterEach) {
+    if (skipped_.empty()) return false;
+    bool called = false;
+    const std::uint64_t end = taken_.empty() ? end_ : taken_.front()->first;
+    std::uint64_t from = 0;
+    while (!isStopped()) {
+      const std::optional<Block> block = takeSkipped(mode, from, end);
+      if (!block) break;
+      called = true;
+      (*block)();
+      afterEach();
+    }
+    return called;
   }
-  bool callSkipped(const RunningMode& mode, std::uint64_t& from, std::uint64_t end);
-  void skip(std::uint64_t position, Item&& item);
 
-  std::mutex mutex_;
-  std::vector<Item> incoming_;  // guarded by mutex_
-  bool waiting_ = true;         // guarded by mutex_; also true while nobody runs the loop
-  bool closed_ = false;         // guarded by mutex_
+  template <class IsStopped, class AfterEach>
+  bool callBatch(Batch& batch, const RunningMode& mode, const IsStopped& isStopped,
+                 const AfterEach& afterEach) {
+    bool called = false;
+    const std::span<Block> blocks = batch.blocks;
+    const bool mayNotMatch = !mode.isCommon || !batch.modes.empty();
+    while (batch.next < blocks.size() && !isStopped()) {
+      const std::size_t index = batch.next++;
+      if (mayNotMatch && skip(batch, index, mode)) continue;
+      const Running running{blocks[index]};
+      called = true;
+      running.block();
+      afterEach();
+    }
+    return called;
+  }
 
-  std::map<std::uint64_t, Item> skipped_;  // by position; all before fresh_
-  std::vector<Item> fresh_;                // from nextFresh_ on
-  std::size_t nextFresh_ = 0;
-  std::uint64_t firstFresh_ = 0;  // position of fresh_[0]
+  std::optional<Block> takeSkipped(const RunningMode& mode, std::uint64_t& from, std::uint64_t end);
+  bool skip(Batch& batch, std::size_t index, const RunningMode& mode);
+  void recycle(const std::shared_ptr<Batch>& batch);
+
+  SpinLock lock_;
+  Batch incoming_;       // guarded by lock_
+  bool waiting_ = true;  // guarded by lock_; also true while nobody runs the loop
+  bool closed_ = false;  // guarded by lock_
+
+  std::map<std::uint64_t, Skipped> skipped_;  // by position; all before those of taken_
+  std::deque<std::shared_ptr<Batch>> taken_;  // oldest first; a block that runs stays in place
+  std::shared_ptr<Batch> spare_;              // keeps the memory of a batch that is done
+  std::uint64_t end_ = 0;                     // position after the last block taken over
 };
 
 }  // namespace rvf

@@ -29,10 +29,14 @@ void RVF_performBlock(const Ref<NSThread>& thread, Block block, bool waitUntilDo
   performBlockOnThread(thread, running(std::move(block)), waitUntilDone);
 }
 
-void RVF_performBlock(const Ref<NSThread>& thread, Block block) {
+void RVF_performBlock(const Ref<NSThread>& thread, Block&& block) {
   if (!thread) return;
-  if (thread->isCurrentThread()) return block();
+  if (thread->isCurrentThread()) return Block(std::move(block))();
   performBlockOnThread(thread, std::move(block), false);
+}
+
+void RVF_performBlock(const Ref<NSThread>& thread, const Block& block) {
+  RVF_performBlock(thread, Block(block));
 }
 
 void NSThread_RVFExtensions::RVF_performBlockInBackground(Block block) {

@@ -23,7 +23,8 @@ RVF_EXPORT void RVF_performBlock(const Ref<NSThread>& thread, std::function<void
 RVF_EXPORT void RVF_performBlock(const Ref<NSThread>& thread, std::function<void()> block,
                                  bool waitUntilDone);
 /// The same in the common modes, without waiting.
-RVF_EXPORT void RVF_performBlock(const Ref<NSThread>& thread, std::function<void()> block);
+RVF_EXPORT void RVF_performBlock(const Ref<NSThread>& thread, std::function<void()>&& block);
+RVF_EXPORT void RVF_performBlock(const Ref<NSThread>& thread, const std::function<void()>& block);
 
 /// Operations of the thread class itself.
 struct RVF_EXPORT NSThread_RVFExtensions {
