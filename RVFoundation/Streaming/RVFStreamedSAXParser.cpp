@@ -61,7 +61,7 @@ struct RVFStreamedSAXParser::Callbacks {
       xmlStopParser(contextOf(parser));
     }
     parser.callbackScope_->drain();
-    if (!parser.retired_.empty()) parser.releaseRetired();
+    if (parser.hasRetired_) parser.releaseRetired();
   }
 
   static void SAXStartElement(void* context, const xmlChar* localName, const xmlChar* prefix,
@@ -196,11 +196,13 @@ void RVFStreamedSAXParser::setFoundCharactersHandler(FoundCharactersHandler hand
 
 /// A handler that is replaced while it runs must outlive its own call.
 void RVFStreamedSAXParser::retire(std::shared_ptr<const void> handler) {
-  if (callbackScope_ && handler) retired_.push_back(std::move(handler));
+  if (!callbackScope_ || !handler) return;
+  retired_.push_back(std::move(handler));
+  hasRetired_ = true;
 }
 
 void RVFStreamedSAXParser::releaseRetired() {
-  while (!retired_.empty()) {
+  while (std::exchange(hasRetired_, false)) {
     // What a handler captured may set handlers again while it is destroyed.
     const auto handlers = std::exchange(retired_, {});
   }

@@ -109,15 +109,18 @@ class RVF_EXPORT RVFStreamedSAXParser final : public NSObject {
   void retire(std::shared_ptr<const void> handler);
   void releaseRetired();
 
-  void* parserContext_ = nullptr;
+  // What every callback touches comes first, close together.
   std::shared_ptr<const StartElementHandler> startElementHandler_;
   std::shared_ptr<const EndElementHandler> endElementHandler_;
   std::shared_ptr<const FoundCharactersHandler> foundCharactersHandler_;
-  std::vector<std::shared_ptr<const void>> retired_;  // replaced while they might run
-  std::exception_ptr exception_;
   NSAutoreleasePool* callbackScope_ = nullptr;  // while a call feeds libxml2
   bool interupted_ = false;
+  bool hasRetired_ = false;
   bool isNestedTooDeep_ = false;
+
+  void* parserContext_ = nullptr;
+  std::vector<std::shared_ptr<const void>> retired_;  // replaced while they might run
+  std::exception_ptr exception_;
 };
 
 }  // namespace rvf
