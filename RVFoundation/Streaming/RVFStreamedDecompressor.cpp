@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <limits>
+#include <span>
 #include <string>
 #include <utility>
 
@@ -19,6 +20,8 @@ namespace rvf {
 namespace {
 
 const ClassRegistration kRegistration(&RVFStreamedDecompressor::classObject);
+
+constexpr std::size_t kLongestRoom = std::numeric_limits<uInt>::max();
 
 void report(Ref<NSError>* error, RVFErrorCode code) {
   reportError(error, [code] { return NSError::errorWithDomain(RVFErrorDomain, code); });
@@ -38,8 +41,9 @@ Ref<NSError> inconsistentStreamStateError() {
       }));
 }
 
-/// The content of one chunk while it grows. zlib writes straight into it, as if into a scratch
-/// buffer of the chunk's length each time; the memory is neither cleared nor, mostly, copied.
+/// The content of one chunk while it grows. zlib writes straight into it, and gets all the room
+/// that there is: the less often it is called, the less of its window it copies. The memory is
+/// neither cleared nor, mostly, copied.
 class Accumulator final {
  public:
   explicit Accumulator(std::size_t capacity)
@@ -47,10 +51,10 @@ class Accumulator final {
 
   std::size_t length() const { return length_; }
 
-  /// Where the next `count` bytes go.
-  std::byte* roomFor(std::size_t count) {
+  /// Where the next bytes go, at least `count` of them.
+  std::span<std::byte> roomFor(std::size_t count) {
     if (capacity_ - length_ < count) moveTo(2 * length_ + count);
-    return buffer_.get() + length_;
+    return {buffer_.get() + length_, capacity_ - length_};
   }
   void append(std::size_t count) { length_ += count; }
 
@@ -78,10 +82,14 @@ class Accumulator final {
 struct RVFStreamedDecompressor::Stream {
   z_stream record = {};
 
-  int inflateInto(std::byte* output, uInt room) {
-    record.next_out = reinterpret_cast<Bytef*>(output);
-    record.avail_out = room;
-    return inflate(&record, Z_NO_FLUSH);
+  /// Answers zlib's result, and in `count` how much was written.
+  int inflateInto(std::span<std::byte> room, std::size_t& count) {
+    const auto available = static_cast<uInt>(std::min<std::size_t>(room.size(), kLongestRoom));
+    record.next_out = reinterpret_cast<Bytef*>(room.data());
+    record.avail_out = available;
+    const int result = inflate(&record, Z_NO_FLUSH);
+    count = available - record.avail_out;
+    return result;
   }
 };
 
@@ -126,12 +134,12 @@ Ref<NSData> RVFStreamedDecompressor::decompressChunk(const Ref<NSData>& chunk,
   Stream& stream = *strm_;
   setInput(stream.record, *chunk);
   decompressionStarted_ = true;
-  const auto room =
-      static_cast<uInt>(std::min<std::size_t>(chunk->length(), std::numeric_limits<uInt>::max()));
-  Accumulator accumulator(room * expectedSteps_);
+  const std::size_t leastRoom = chunk->length();
+  Accumulator accumulator(std::max(leastRoom, expectedLength_));
   int result = Z_OK;
   do {
-    result = stream.inflateInto(accumulator.roomFor(room), room);
+    std::size_t count = 0;
+    result = stream.inflateInto(accumulator.roomFor(leastRoom), count);
     switch (result) {
       case Z_MEM_ERROR:
       case Z_DATA_ERROR:
@@ -144,14 +152,15 @@ Ref<NSData> RVFStreamedDecompressor::decompressChunk(const Ref<NSData>& chunk,
         reportError(error, &inconsistentStreamStateError);
         return nullptr;
       default:
-        accumulator.append(room - stream.record.avail_out);
+        accumulator.append(count);
     }
   } while (stream.record.avail_out == 0);
   if (result == Z_STREAM_END) {
     decompressionComplete_ = true;
     inflateEnd(&stream.record);
   }
-  expectedSteps_ = accumulator.length() / room + 2;  // and room for the call that finds the end
+  // The next chunk probably holds as much; with some spare room, one call finds its end.
+  expectedLength_ = accumulator.length() + accumulator.length() / 4 + leastRoom;
   return std::move(accumulator).data();
 }
 

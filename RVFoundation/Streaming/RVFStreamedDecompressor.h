@@ -55,7 +55,7 @@ class RVF_EXPORT RVFStreamedDecompressor final : public NSObject {
   std::unique_ptr<Stream> strm_;
   bool decompressionStarted_ = false;
   bool decompressionComplete_ = false;
-  std::size_t expectedSteps_ = 1;  // chunk lengths that the last chunk's content filled
+  std::size_t expectedLength_ = 0;  // of the next chunk's content
 };
 
 }  // namespace rvf
