@@ -11,7 +11,7 @@
 #include <functional>
 #include <iostream>
 #include <string>
-#include <vector>
+#include <tuple>
 
 #include "tests/network/TwoHosts.h"
 
@@ -24,8 +24,8 @@ constexpr const char* kType = "_rvf-test._tcp";
 
 enum class Loss { terminated, killed, busEnded };
 
-std::string nameOfLoss(const testing::TestParamInfo<Loss>& info) {
-  switch (info.param) {
+std::string nameOf(Loss loss) {
+  switch (loss) {
     case Loss::terminated:
       return "DaemonTerminated";
     case Loss::killed:
@@ -34,6 +34,11 @@ std::string nameOfLoss(const testing::TestParamInfo<Loss>& info) {
       return "BusEnded";
   }
   return "Unknown";
+}
+
+std::string nameOfLoss(const testing::TestParamInfo<std::tuple<Loss, Backend>>& info) {
+  return nameOf(std::get<Loss>(info.param)) + "WithPeerOn" +
+         network::nameOf(std::get<Backend>(info.param));
 }
 
 void lose(NetworkHost& host, Loss loss) {
@@ -51,16 +56,21 @@ Json found(const std::string& name) {
   return {{"event", "found"}, {"name", name}};
 }
 
-/// A peer with the embedded stack on one host, and one with the daemon on the other.
-class DaemonLoss : public testing::TestWithParam<Loss> {
+/// A peer on one host, and one with the daemon that is lost on the other.
+class DaemonLoss : public testing::TestWithParam<std::tuple<Loss, Backend>> {
  protected:
-  TwoHosts hosts_;
-  Probe peer_{hosts_.here, Backend::embedded};
+  Loss loss() const { return std::get<Loss>(GetParam()); }
+  Backend backendOfPeer() const { return std::get<Backend>(GetParam()); }
+
+  TwoHosts hosts_{backendOfPeer(), Backend::daemon};
+  Probe peer_{hosts_.here, backendOfPeer()};
   Probe probe_{hosts_.there, Backend::daemon};
 };
 
 INSTANTIATE_TEST_SUITE_P(Ways, DaemonLoss,
-                         testing::Values(Loss::terminated, Loss::killed, Loss::busEnded),
+                         testing::Combine(testing::Values(Loss::terminated, Loss::killed,
+                                                          Loss::busEnded),
+                                          everyBackend()),
                          nameOfLoss);
 
 TEST_P(DaemonLoss, SearchGoesOnAndTellsWhatHasChanged) {
@@ -69,7 +79,7 @@ TEST_P(DaemonLoss, SearchGoesOnAndTellsWhatHasChanged) {
   peer_.publish("goes", "Goes", kType, 4712);
   probe_.waitFor(found("Stays"));
   probe_.waitFor(found("Goes"));
-  lose(hosts_.there, GetParam());
+  lose(hosts_.there, loss());
   peer_.stop("goes");
   peer_.publish("comes", "Comes", kType, 4713);
   peer_.waitFor({{"event", "published"}, {"name", "Comes"}});
@@ -84,7 +94,7 @@ TEST_P(DaemonLoss, PublicationIsThereAgain) {
   peer_.browse(kType);
   probe_.publish("till", "Till", kType, 4711, {{"txt", {{"demo", "1"}}}});
   peer_.waitFor(found("Till"));
-  lose(hosts_.there, GetParam());
+  lose(hosts_.there, loss());
   probe_.setTXT("till", {{"demo", "0"}});
   hosts_.there.startDaemon();
   peer_.monitor("till", "Till", kType);
@@ -97,7 +107,7 @@ TEST_P(DaemonLoss, MonitoringGoesOn) {
   peer_.publish("till", "Till", kType, 4711, {{"txt", {{"demo", "1"}}}});
   probe_.monitor("till", "Till", kType);
   probe_.waitFor({{"event", "txt"}, {"entries", {{"demo", "1"}}}});
-  lose(hosts_.there, GetParam());
+  lose(hosts_.there, loss());
   peer_.setTXT("till", {{"demo", "0"}});
   hosts_.there.startDaemon();
   probe_.waitFor({{"event", "txt"}, {"entries", {{"demo", "0"}}}});
@@ -106,7 +116,7 @@ TEST_P(DaemonLoss, MonitoringGoesOn) {
 TEST_P(DaemonLoss, ResolvingWaitsForTheDaemon) {
   peer_.publish("till", "Till", kType, 4711);
   peer_.waitFor({{"event", "published"}});
-  lose(hosts_.there, GetParam());
+  lose(hosts_.there, loss());
   probe_.resolve("till", "Till", kType, 0);
   probe_.waitFor({{"event", "willResolve"}});
   hosts_.there.startDaemon();
@@ -115,7 +125,7 @@ TEST_P(DaemonLoss, ResolvingWaitsForTheDaemon) {
 
 /// A hung partner: every operation returns, and the loop turns. Only a blocking call could take
 /// seconds here.
-class HungPartner : public testing::Test {
+class HungPartner : public testing::TestWithParam<Backend> {
  protected:
   static constexpr std::chrono::seconds kLongestTurn{5};
 
@@ -149,19 +159,21 @@ class HungPartner : public testing::Test {
     peer_.waitFor({{"event", "published"}});
   }
 
-  TwoHosts hosts_;
-  Probe peer_{hosts_.here, Backend::embedded};
+  TwoHosts hosts_{GetParam(), Backend::daemon};
+  Probe peer_{hosts_.here, GetParam()};
   Probe probe_{hosts_.there, Backend::daemon};
 };
 
-TEST_F(HungPartner, ADaemonThatHangsHoldsNothingUpAndLosesNothing) {
+INSTANTIATE_TEST_SUITE_P(Peers, HungPartner, everyBackend(), nameOfBackend);
+
+TEST_P(HungPartner, ADaemonThatHangsHoldsNothingUpAndLosesNothing) {
   hosts_.there.signalDaemon(SIGSTOP);
   startEverything();
   hosts_.there.signalDaemon(SIGCONT);
   expectEverything();
 }
 
-TEST_F(HungPartner, ADaemonThatHangsLaterHoldsNothingUpAndLosesNothing) {
+TEST_P(HungPartner, ADaemonThatHangsLaterHoldsNothingUpAndLosesNothing) {
   probe_.browse("_other._tcp");
   probe_.waitFor({{"event", "willSearch"}});
   probe_.stopBrowsing();
@@ -171,14 +183,14 @@ TEST_F(HungPartner, ADaemonThatHangsLaterHoldsNothingUpAndLosesNothing) {
   expectEverything();
 }
 
-TEST_F(HungPartner, ABusThatHangsHoldsNothingUpAndLosesNothing) {
+TEST_P(HungPartner, ABusThatHangsHoldsNothingUpAndLosesNothing) {
   hosts_.there.signalBus(SIGSTOP);
   startEverything();
   hosts_.there.signalBus(SIGCONT);
   expectEverything();
 }
 
-TEST_F(HungPartner, AHungDaemonThatIsKilledIsReplaced) {
+TEST_P(HungPartner, AHungDaemonThatIsKilledIsReplaced) {
   hosts_.there.signalDaemon(SIGSTOP);
   startEverything();
   hosts_.there.endDaemon(SIGKILL);

@@ -7,6 +7,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
+#include <functional>
 #include <sstream>
 #include <stdexcept>
 #include <thread>
@@ -97,10 +98,18 @@ void NetworkHost::connect(NetworkHost& other, int subnet) {
   other.configureLink(subnet, 2);
 }
 
+void NetworkHost::addAddress(const std::string& link, const std::string& address) {
+  run({"ip", "-n", name_, "addr", "add", address, "dev", link});
+}
+
+void NetworkHost::removeAddress(const std::string& link, const std::string& address) {
+  run({"ip", "-n", name_, "addr", "del", address, "dev", link});
+}
+
 void NetworkHost::configureLink(int subnet, int side) {
   const std::string address =
       "10.99." + std::to_string(subnet) + "." + std::to_string(side) + "/24";
-  run({"ip", "-n", name_, "addr", "add", address, "dev", linkName(subnet)});
+  addAddress(linkName(subnet), address);
   setLink(linkName(subnet), true);
 }
 
@@ -131,8 +140,8 @@ void NetworkHost::startDaemon() {
 void NetworkHost::launchDaemon() {
   if (!bus_) startBus();
   std::ofstream(file("avahi.conf")) << "[server]\nhost-name=" << name_
-                                    << "\nuse-iff-running=yes\n"
-                                       "[wide-area]\nenable-wide-area=no\n";
+                                    << "\nuse-iff-running=yes\nbrowse-domains=" << browseDomain_
+                                    << "\n[wide-area]\nenable-wide-area=no\n";
   const std::string log = file("avahi.log").string();
   std::ofstream(log).flush();
   // A private /run keeps the process files of two daemons apart.

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <filesystem>
-#include <functional>
 #include <memory>
 #include <string>
 
@@ -29,8 +28,13 @@ class NetworkHost {
   /// "v0" for subnet 0.
   static std::string linkName(int subnet) { return "v" + std::to_string(subnet); }
   void setLink(const std::string& name, bool isUp);
+  /// With the length of its prefix: "fd99::1/64".
+  void addAddress(const std::string& link, const std::string& address);
+  void removeAddress(const std::string& link, const std::string& address);
   int interfaceIndex(const std::string& link) const;
 
+  /// A domain that the daemon, started afterwards, tells everybody to browse besides "local".
+  void setBrowseDomain(const std::string& domain) { browseDomain_ = domain; }
   /// Starts a bus that nobody is on.
   void startBus();
   /// Starts the daemon, and the bus if there is none, and returns when the daemon answers.
@@ -53,12 +57,14 @@ class NetworkHost {
   /// The arguments of a program, as needed to run it inside the host, and its environment there.
   Arguments inside(const Arguments& program) const;
   Environment environment() const;
+  /// A file that goes with the host.
+  std::filesystem::path file(const std::string& name) const { return folder_ / name; }
 
  private:
   void configureLink(int subnet, int side);
-  std::filesystem::path file(const std::string& name) const { return folder_ / name; }
 
   std::string name_;
+  std::string browseDomain_;
   std::filesystem::path folder_;
   std::unique_ptr<Process> bus_;
   std::unique_ptr<Process> daemon_;

@@ -52,7 +52,6 @@ class Probe {
 
  private:
   void send(const Json& command) { process_.writeLine(command.dump()); }
-  void identify(const std::string& service, const std::string& name, const std::string& type);
 
   Process process_;
   std::vector<Json> untaken_;

@@ -7,6 +7,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -113,6 +114,18 @@ std::optional<std::string> Process::readLine(Deadline deadline) {
       buffer_.append(chunk.data(), static_cast<std::size_t>(length));
     }
   }
+}
+
+std::string Process::lineWith(const std::vector<std::string>& pieces, Deadline deadline) {
+  std::string seen;
+  while (const auto line = readLine(deadline)) {
+    const auto holds = [&](const std::string& piece) {
+      return line->find(piece) != std::string::npos;
+    };
+    if (std::all_of(pieces.begin(), pieces.end(), holds)) return *line;
+    seen += *line + "\n";
+  }
+  throw std::runtime_error("no line with " + joined(pieces) + "; instead:\n" + seen);
 }
 
 void Process::kill(int signal) {

@@ -29,6 +29,9 @@ class Process {
   void writeLine(std::string_view line);
   /// The next line of output; absent when the time is up or the output has ended.
   std::optional<std::string> readLine(Deadline deadline);
+  /// The next line that holds every piece; throws, with what was read instead, when the time is up
+  /// or the output has ended.
+  std::string lineWith(const std::vector<std::string>& pieces, Deadline deadline);
   /// Whether the output has ended and was read to the end.
   bool isExhausted() const { return isExhausted_ && buffer_.empty(); }
 
