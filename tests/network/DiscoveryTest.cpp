@@ -93,6 +93,23 @@ TEST_P(Discovery, DeliversTheTXTRecordAndEveryChangeOfIt) {
   seeker_.waitFor({{"event", "txt"}, {"entries", {{"demo", "0"}}}});
 }
 
+TEST_P(Discovery, DeliversTheNewTXTRecordToWhoAsksRightAfterAChange) {
+  seeker_.browse(kType);  // keeps what the seeker knows of the network
+  publisher_.publish("till", "Till 1", kType, 4711, {{"txt", {{"demo", "1"}}}});
+  seeker_.monitor("first", "Till 1", kType);
+  seeker_.waitFor({{"event", "txt"}, {"entries", {{"demo", "1"}}}});
+  publisher_.waitFor({{"event", "published"}});
+  publisher_.setTXT("till", {{"demo", "0"}});
+  seeker_.waitFor({{"event", "txt"}, {"entries", {{"demo", "0"}}}});
+  // When a later one is announced, the change has arrived on every link. The old record is mostly
+  // still known then, for a second.
+  publisher_.publish("marker", "Marker", kType, 4713);
+  seeker_.waitFor({{"event", "found"}, {"name", "Marker"}});
+  seeker_.monitor("second", "Till 1", kType);
+  const Json record = seeker_.waitFor({{"event", "txt"}, {"service", "second"}});
+  EXPECT_EQ(record["entries"], Json({{"demo", "0"}}));
+}
+
 TEST_P(Discovery, DeliversAnEmptyTXTRecordAsOneWithoutEntries) {
   publisher_.publish("till", "Till 1", kType, 4711);
   seeker_.monitor("till", "Till 1", kType);

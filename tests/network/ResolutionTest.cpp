@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <csignal>
 #include <set>
 
 #include "tests/network/TwoHosts.h"
@@ -75,6 +76,15 @@ TEST_P(Resolution, GivesAnAddressOfEachFamilyForEveryLink) {
                                                     hosts_.there.interfaceIndex("v1")));
 }
 
+TEST_P(Resolution, GivesRoutableAddressesWhereALinkHasThem) {
+  hosts_.here.addAddress("v0", "fd99::1/64");
+  hosts_.there.addAddress("v0", "fd99::2/64");
+  publishAndResolve();
+  const Json routable{{"address", "fd99::1"}, {"port", 4711}, {"scope", 0}};
+  for (Json known; std::find(known.begin(), known.end(), routable) == known.end();)
+    known = seeker_.waitFor({{"event", "resolved"}})["addresses"];
+}
+
 TEST_P(Resolution, FailsWithATimeOutForAnAbsentName) {
   seeker_.resolve("absent", "Absent", kType, 1.5);
   const Json started = seeker_.waitFor({{"event", "willResolve"}});
@@ -97,7 +107,9 @@ TEST_P(Resolution, FollowsARegistrationThatMovesToAnotherPort) {
   publisher_.waitFor({{"event", "stopped"}});
   publisher_.publish("moved", "Till 1", kType, 4712, {{"unique", true}});
   publisher_.waitFor({{"event", "published"}, {"name", "Till 1"}});
-  seeker_.waitFor({{"event", "resolved"}, {"port", 4712}});
+  const Json report = seeker_.waitFor({{"event", "resolved"}, {"port", 4712}});
+  for (const Json& address : report["addresses"])
+    EXPECT_EQ(address["port"], 4712) << report;
 }
 
 TEST_P(Resolution, IsStoppedAtOnce) {
@@ -107,11 +119,57 @@ TEST_P(Resolution, IsStoppedAtOnce) {
   seeker_.waitFor({{"event", "stopped"}});
 }
 
+TEST_P(Resolution, TellsNothingAfterItsStop) {
+  publishAndResolve();
+  seeker_.stop("till");
+  const double stopped = seeker_.waitFor({{"event", "stopped"}, {"service", "till"}})["ms"];
+  seeker_.resolve("other", "Till 1", kType, 15);
+  seeker_.waitFor({{"event", "resolved"}, {"service", "other"}});
+  for (const Json& event : seeker_.untaken())
+    EXPECT_TRUE(event.value("service", "") != "till" || event["ms"] <= stopped) << event;
+}
+
 TEST_P(Resolution, ReachesItsOwnPublications) {
   publisher_.publish("till", "Till 1", kType, 4711);
   publisher_.waitFor({{"event", "published"}});
   publisher_.resolve("own", "Till 1", kType, 15);
   EXPECT_EQ(publisher_.waitFor({{"event", "resolved"}})["port"], 4711);
+}
+
+/// A service that the seeker has resolved at port 4711, and that goes to port 4712.
+class MovedService : public Resolution {
+ protected:
+  void SetUp() override {
+    seeker_.browse(kType);  // keeps what the seeker knows of the network
+    publishAndResolve();
+    seeker_.waitFor({{"event", "resolved"}, {"port", 4711}});
+  }
+
+  /// Takes the announcement of another one, which comes later, for a sign that the move has
+  /// arrived on every link. The old records are mostly still known then, for a second.
+  void expectNewPlace(Probe& publisher) {
+    publisher.waitFor({{"event", "published"}, {"service", "moved"}});
+    publisher.publish("marker", "Marker", kType, 4713);
+    seeker_.waitFor({{"event", "found"}, {"name", "Marker"}});
+    seeker_.stop("till");
+    seeker_.resolve("again", "Till 1", kType, 15);
+    EXPECT_EQ(seeker_.waitFor({{"event", "resolved"}, {"service", "again"}})["port"], 4712);
+  }
+};
+
+INSTANTIATE_TEST_SUITE_P(Pairs, MovedService, everyPair(), nameOfPair);
+
+TEST_P(MovedService, IsResolvedAtItsNewPlaceAtOnce) {
+  publisher_.stop("till");
+  publisher_.publish("moved", "Till 1", kType, 4712);
+  expectNewPlace(publisher_);
+}
+
+TEST_P(MovedService, IsResolvedAtItsNewPlaceThoughItsPublisherWasKilled) {
+  publisher_.kill(SIGKILL);
+  Probe successor(hosts_.here, GetParam().publisher);
+  successor.publish("moved", "Till 1", kType, 4712);
+  expectNewPlace(successor);
 }
 
 }  // namespace

@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Platform/Network/AvahiDaemon/DaemonBrowse.h"
 
-#include <avahi-common/address.h>
-#include <sys/socket.h>
-
 #include <optional>
 #include <utility>
 
@@ -17,11 +14,6 @@ constexpr const char* kLocalDomain = "local.";
 /// Anybody on the network may name domains, and each costs a browser of the 1024 that the daemon
 /// grants.
 constexpr std::size_t kMostDomains = 16;
-
-int familyOf(int protocol) {
-  if (protocol == AVAHI_PROTO_INET) return AF_INET;
-  return protocol == AVAHI_PROTO_INET6 ? AF_INET6 : AF_UNSPEC;
-}
 
 struct ServiceItem {
   ServiceIdentity identity;
@@ -42,7 +34,7 @@ std::optional<ServiceItem> serviceItemFrom(sd_bus_message& item, const std::stri
   }
   const bool isSubtype = type.find("._sub.") != std::string::npos;
   return ServiceItem{{name, isSubtype ? withFinalDot(seenType) : type, withFinalDot(domain)},
-                     {interfaceIndex, familyOf(protocol)}};
+                     linkFrom(interfaceIndex, protocol)};
 }
 
 struct DomainItem {

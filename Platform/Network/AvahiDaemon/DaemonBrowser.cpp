@@ -3,6 +3,7 @@
 
 #include <avahi-common/address.h>
 #include <avahi-common/defs.h>
+#include <sys/socket.h>
 
 #include <string_view>
 #include <utility>
@@ -68,6 +69,8 @@ void DaemonBrowser::signalArrived(sd_bus_message& signal) {
     if (events->removed) events->removed(signal);
   } else if (name == "AllForNow") {
     if (events->settled) events->settled();
+  } else if (name == "CacheExhausted") {
+    if (events->cacheExhausted) events->cacheExhausted();
   } else if (name == "Failure") {
     const char* error = nullptr;
     sd_bus_message_read(&signal, "s", &error);
@@ -75,19 +78,32 @@ void DaemonBrowser::signalArrived(sd_bus_message& signal) {
   }
 }
 
+ServiceLink linkFrom(int interfaceIndex, int protocol) noexcept {
+  switch (protocol) {
+    case AVAHI_PROTO_INET:
+      return {interfaceIndex, AF_INET};
+    case AVAHI_PROTO_INET6:
+      return {interfaceIndex, AF_INET6};
+    default:
+      return {interfaceIndex, AF_UNSPEC};
+  }
+}
+
 std::optional<RecordItem> recordItemFrom(sd_bus_message& item) {
   RecordItem record;
+  int interfaceIndex = 0;
   int protocol = 0;
   const char* name = nullptr;
   std::uint16_t recordClass = 0;
   std::uint16_t type = 0;
   const void* data = nullptr;
   std::size_t length = 0;
-  if (sd_bus_message_read(&item, "iisqq", &record.interfaceIndex, &protocol, &name, &recordClass,
-                          &type) < 0 ||
+  if (sd_bus_message_read(&item, "iisqq", &interfaceIndex, &protocol, &name, &recordClass, &type) <
+          0 ||
       sd_bus_message_read_array(&item, 'y', &data, &length) < 0) {
     return std::nullopt;
   }
+  record.link = linkFrom(interfaceIndex, protocol);
   record.data = {static_cast<const std::byte*>(data), length};
   return record;
 }

@@ -10,6 +10,7 @@
 
 #include "Platform/Network/AvahiDaemon/DaemonObject.h"
 #include "Platform/Network/AvahiDaemon/RecordData.h"
+#include "Platform/Network/ServiceDiscoveryBackend.h"
 
 namespace rvf {
 
@@ -22,6 +23,7 @@ class DaemonBrowser final {
     ItemHandler added;
     ItemHandler removed;
     std::function<void()> settled;
+    std::function<void()> cacheExhausted;  ///< what the daemon knew already has been told
     std::function<void(NSNetServicesError)> failed;
   };
 
@@ -43,9 +45,12 @@ class DaemonBrowser final {
   DaemonObject object_;
 };
 
+/// The link that an item names: an interface, and one of Avahi's numbers for protocols.
+ServiceLink linkFrom(int interfaceIndex, int protocol) noexcept;
+
 /// What an item of a record browser says.
 struct RecordItem {
-  int interfaceIndex = 0;
+  ServiceLink link;
   std::span<const std::byte> data;  ///< lives as long as the message
 };
 /// Reads one; absent if the message is malformed.

@@ -8,6 +8,7 @@
 #include "Platform/Network/AvahiDaemon/DaemonActivity.h"
 #include "Platform/Network/AvahiDaemon/DaemonBrowser.h"
 #include "Platform/Network/AvahiDaemon/RecordData.h"
+#include "Platform/Network/NewestRecord.h"
 
 namespace rvf {
 
@@ -24,14 +25,15 @@ class DaemonResolution final : public DaemonActivity {
   void drop() override;
   void reportFailure(NSNetServicesError error) override;
 
-  std::unique_ptr<DaemonBrowser> watchRecords(const std::string& name, RecordType type,
-                                              void (DaemonResolution::*added)(const RecordItem&));
-  void locationAdded(const RecordItem& item);
+  std::unique_ptr<DaemonBrowser> watchAddresses(RecordType type);
+  /// Looks for the addresses of the newest location, if it is another one than before.
+  void follow();
   void addressAdded(const RecordItem& item);
 
   ServiceIdentity identity_;
   ResolveEvents events_;
-  std::unique_ptr<DaemonBrowser> locations_;
+  std::unique_ptr<DaemonBrowser> browser_;  ///< of locations
+  NewestRecord<ServiceLocation> locations_;
   std::unique_ptr<DaemonBrowser> addressesV4_;
   std::unique_ptr<DaemonBrowser> addressesV6_;
   std::optional<ServiceLocation> location_;  ///< the latest one reported

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Platform/Network/AvahiDaemon/DaemonTXTRecordWatch.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "Platform/Network/AvahiDaemon/AvahiNames.h"
@@ -19,13 +18,16 @@ bool DaemonTXTRecordWatch::isAskable() const {
 void DaemonTXTRecordWatch::begin() {
   DaemonBrowser::Events events;
   events.added = whileAlive([this](sd_bus_message& item) { recordAdded(item); });
+  events.removed = whileAlive([this](sd_bus_message& item) { recordRemoved(item); });
+  events.cacheExhausted = whileAlive([this] { records_.cacheExhausted(); });
   events.failed = whileAlive([this](NSNetServicesError error) { fail(error); });
-  records_ = DaemonBrowser::ofRecords(daemon(), fullServiceName(identity_).value(), RecordType::txt,
+  browser_ = DaemonBrowser::ofRecords(daemon(), fullServiceName(identity_).value(), RecordType::txt,
                                       std::move(events));
 }
 
 void DaemonTXTRecordWatch::drop() {
-  records_.reset();
+  browser_.reset();
+  records_ = {};
 }
 
 void DaemonTXTRecordWatch::reportFailure(NSNetServicesError error) {
@@ -34,9 +36,23 @@ void DaemonTXTRecordWatch::reportFailure(NSNetServicesError error) {
 
 void DaemonTXTRecordWatch::recordAdded(sd_bus_message& item) {
   const auto record = recordItemFrom(item);
-  if (!record || std::ranges::equal(record->data, latest_)) return;
-  latest_.assign(record->data.begin(), record->data.end());
-  if (events_.updated) events_.updated(latest_);
+  if (!record) return;
+  records_.add({record->data.begin(), record->data.end()}, record->link);
+  tell();
+}
+
+void DaemonTXTRecordWatch::recordRemoved(sd_bus_message& item) {
+  const auto record = recordItemFrom(item);
+  if (!record) return;
+  records_.remove({record->data.begin(), record->data.end()}, record->link);
+  tell();
+}
+
+void DaemonTXTRecordWatch::tell() {
+  const Record* const newest = records_.newest();
+  if (!newest || *newest == told_) return;
+  told_ = *newest;
+  if (events_.updated) events_.updated(*told_);
 }
 
 }  // namespace rvf

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <cstddef>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "Platform/Network/AvahiDaemon/DaemonActivity.h"
 #include "Platform/Network/AvahiDaemon/DaemonBrowser.h"
+#include "Platform/Network/NewestRecord.h"
 
 namespace rvf {
 
@@ -21,12 +24,18 @@ class DaemonTXTRecordWatch final : public DaemonActivity {
   void drop() override;
   void reportFailure(NSNetServicesError error) override;
 
+  using Record = std::vector<std::byte>;
+
   void recordAdded(sd_bus_message& item);
+  void recordRemoved(sd_bus_message& item);
+  /// Tells the newest record, if it was not told last.
+  void tell();
 
   ServiceIdentity identity_;
   TXTRecordEvents events_;
-  std::unique_ptr<DaemonBrowser> records_;
-  std::vector<std::byte> latest_;
+  std::unique_ptr<DaemonBrowser> browser_;
+  NewestRecord<Record> records_;
+  std::optional<Record> told_;
 };
 
 }  // namespace rvf

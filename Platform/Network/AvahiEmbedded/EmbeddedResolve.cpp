@@ -25,6 +25,11 @@ SocketAddress addressOf(const AvahiIPv6Address& address, std::uint16_t port, int
   return SocketAddress::withIPv6(bytes, port, static_cast<std::uint32_t>(interfaceIndex));
 }
 
+/// The root as host says that the service is not available (RFC 2782).
+bool namesHost(const AvahiRecord& location) {
+  return withFinalDot(location.data.srv.name).size() > 1;
+}
+
 }  // namespace
 
 EmbeddedResolve::EmbeddedResolve(std::shared_ptr<EmbeddedStack> stack,
@@ -37,43 +42,58 @@ EmbeddedResolve::~EmbeddedResolve() {
   stack_->remove(*this);
 }
 
+EmbeddedResolve::Location EmbeddedResolve::locationOf(const AvahiRecord& record) {
+  return {record.data.srv.name, record.data.srv.port};
+}
+
 void EmbeddedResolve::attach(AvahiServer& server) {
   const auto name = fullServiceName(identity_);
   if (!name) return outbox_.send(&ResolveEvents::failed, NSNetServicesError::badArgument);
-  watch(service_, server, *name, AVAHI_DNS_TYPE_SRV,
-        [this, &server](const AvahiRecord& record, int) { located(server, record); });
-}
-
-void EmbeddedResolve::watch(std::optional<RecordWatch>& records, AvahiServer& server,
-                            const std::string& name, std::uint16_t type, RecordWatch::Added added) {
-  records.emplace(server, name, type, std::move(added), [this](NSNetServicesError error) {
-    outbox_.send(&ResolveEvents::failed, error);
-  });
+  RecordWatch::Events events;
+  events.added = [this, &server](const AvahiRecord& record, ServiceLink link) {
+    if (!namesHost(record)) return;
+    locations_.add(locationOf(record), link);
+    follow(server);
+  };
+  events.removed = [this, &server](const AvahiRecord& record, ServiceLink link) {
+    locations_.remove(locationOf(record), link);
+    follow(server);
+  };
+  events.cacheExhausted = [this] { locations_.cacheExhausted(); };
+  events.failed = [this](NSNetServicesError error) { fail(error); };
+  service_.emplace(server, *name, AVAHI_DNS_TYPE_SRV, std::move(events));
 }
 
 void EmbeddedResolve::detach() {
   addresses4_.reset();
   addresses6_.reset();
   service_.reset();
-  hostName_.clear();
+  locations_ = {};
 }
 
-/// Told once for each link; only another answer counts. The root as host says that there is none
-/// (RFC 2782).
-void EmbeddedResolve::located(AvahiServer& server, const AvahiRecord& record) {
-  const auto& service = record.data.srv;
-  if (withFinalDot(service.name).size() <= 1) return;
-  if (hostName_ == service.name && port_ == service.port) return;
-  hostName_ = service.name;
-  port_ = service.port;
-  outbox_.send(&ResolveEvents::located, hostName_, port_);
-  watch(addresses4_, server, hostName_, AVAHI_DNS_TYPE_A, [this](const AvahiRecord& found, int) {
-    addressFound(addressOf(found.data.a.address, port_));
-  });
-  watch(addresses6_, server, hostName_, AVAHI_DNS_TYPE_AAAA,
-        [this](const AvahiRecord& found, int interfaceIndex) {
-          addressFound(addressOf(found.data.aaaa.address, port_, interfaceIndex));
-        });
+void EmbeddedResolve::follow(AvahiServer& server) {
+  const Location* const newest = locations_.newest();
+  if (!newest || (addresses4_ && *newest == location_)) return;
+  location_ = *newest;
+  outbox_.send(&ResolveEvents::located, location_.hostName, location_.port);
+  watchAddresses(server);
+}
+
+void EmbeddedResolve::watchAddresses(AvahiServer& server) {
+  RecordWatch::Events events;
+  events.failed = [this](NSNetServicesError error) { fail(error); };
+  events.added = [this](const AvahiRecord& found, ServiceLink) {
+    addressFound(addressOf(found.data.a.address, location_.port));
+  };
+  addresses4_.emplace(server, location_.hostName, AVAHI_DNS_TYPE_A, events);
+  events.added = [this](const AvahiRecord& found, ServiceLink link) {
+    addressFound(addressOf(found.data.aaaa.address, location_.port, link.interfaceIndex));
+  };
+  addresses6_.emplace(server, location_.hostName, AVAHI_DNS_TYPE_AAAA, std::move(events));
+}
+
+void EmbeddedResolve::fail(NSNetServicesError error) {
+  outbox_.send(&ResolveEvents::failed, error);
 }
 
 void EmbeddedResolve::addressFound(const SocketAddress& address) {

@@ -9,6 +9,7 @@
 #include "Platform/Network/AvahiEmbedded/EmbeddedStack.h"
 #include "Platform/Network/AvahiEmbedded/EventOutbox.h"
 #include "Platform/Network/AvahiEmbedded/RecordWatch.h"
+#include "Platform/Network/NewestRecord.h"
 #include "Platform/Network/ServiceDiscoveryBackend.h"
 #include "Platform/Network/SocketAddress.h"
 
@@ -23,18 +24,26 @@ class EmbeddedResolve final : public DiscoveryActivity, private EmbeddedStack::C
   ~EmbeddedResolve() override;
 
  private:
+  struct Location {
+    std::string hostName;
+    std::uint16_t port = 0;
+    friend bool operator==(const Location&, const Location&) = default;
+  };
+  static Location locationOf(const AvahiRecord& record);
+
   void attach(AvahiServer& server) override;
   void detach() override;
-  void watch(std::optional<RecordWatch>& records, AvahiServer& server, const std::string& name,
-             std::uint16_t type, RecordWatch::Added added);
-  void located(AvahiServer& server, const AvahiRecord& record);
+  void watchAddresses(AvahiServer& server);
+  /// Looks for the addresses of the newest location, if it is another one than before.
+  void follow(AvahiServer& server);
+  void fail(NSNetServicesError error);
   void addressFound(const SocketAddress& address);
 
   std::shared_ptr<EmbeddedStack> stack_;
   ServiceIdentity identity_;
   EventOutbox<ResolveEvents> outbox_;
-  std::string hostName_;
-  std::uint16_t port_ = 0;
+  NewestRecord<Location> locations_;
+  Location location_;  ///< the one followed while there are address watches
   std::optional<RecordWatch> service_;
   std::optional<RecordWatch> addresses4_;
   std::optional<RecordWatch> addresses6_;

@@ -5,9 +5,11 @@
 #include <avahi-core/lookup.h>
 #include <dlfcn.h>
 #include <gmock/gmock.h>
+#include <sys/socket.h>
 
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -71,15 +73,22 @@ class RecordWatchTest : public testing::Test {
   ~RecordWatchTest() override { scriptedStack = nullptr; }
 
   RecordWatch watch() {
-    return RecordWatch(
-        *kServer, "Till._till._tcp.local", AVAHI_DNS_TYPE_SRV,
-        [this](const AvahiRecord& record, int interfaceIndex) {
-          log_.push_back(std::to_string(record.data.srv.port) + " on " +
-                         std::to_string(interfaceIndex));
-        },
-        [this](NSNetServicesError error) {
-          log_.push_back("failed " + std::to_string(static_cast<int>(error)));
-        });
+    RecordWatch::Events events;
+    events.added = [this](const AvahiRecord& record, ServiceLink link) {
+      log_.push_back("added " + textOf(record, link));
+    };
+    events.removed = [this](const AvahiRecord& record, ServiceLink link) {
+      log_.push_back("removed " + textOf(record, link));
+    };
+    events.cacheExhausted = [this] { log_.push_back("exhausted"); };
+    events.failed = [this](NSNetServicesError error) {
+      log_.push_back("failed " + std::to_string(static_cast<int>(error)));
+    };
+    return RecordWatch(*kServer, "Till._till._tcp.local", AVAHI_DNS_TYPE_SRV, std::move(events));
+  }
+  static std::string textOf(const AvahiRecord& record, ServiceLink link) {
+    EXPECT_EQ(link.family, AF_INET);
+    return std::to_string(record.data.srv.port) + " on " + std::to_string(link.interfaceIndex);
   }
   void report(AvahiBrowserEvent event, AvahiRecord* record = nullptr) {
     stack_.callback(kBrowser, 2, AVAHI_PROTO_INET, event, record, AVAHI_LOOKUP_RESULT_MULTICAST,
@@ -90,7 +99,7 @@ class RecordWatchTest : public testing::Test {
   std::vector<std::string> log_;
 };
 
-TEST_F(RecordWatchTest, HandsOnWhatIsNewOnly) {
+TEST_F(RecordWatchTest, HandsOnWhatComesAndGoes) {
   const auto watching = watch();
   const AvahiHandle<AvahiRecord> record(
       avahi_record_new_full("Till._till._tcp.local", AVAHI_DNS_CLASS_IN, AVAHI_DNS_TYPE_SRV, 120));
@@ -99,7 +108,7 @@ TEST_F(RecordWatchTest, HandsOnWhatIsNewOnly) {
   report(AVAHI_BROWSER_REMOVE, record.get());
   report(AVAHI_BROWSER_CACHE_EXHAUSTED);
   report(AVAHI_BROWSER_ALL_FOR_NOW);
-  EXPECT_THAT(log_, ElementsAre("4711 on 2"));
+  EXPECT_THAT(log_, ElementsAre("added 4711 on 2", "removed 4711 on 2", "exhausted"));
 }
 
 TEST_F(RecordWatchTest, ReportsThatItsQuestionCannotBePut) {
