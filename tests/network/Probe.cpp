@@ -80,6 +80,10 @@ void Probe::holdPort(int port) {
   send({{"do", "holdPort"}, {"port", port}});
 }
 
+void Probe::stepClock(int seconds) {
+  send({{"do", "stepClock"}, {"seconds", seconds}});
+}
+
 Json Probe::waitFor(const Json& fields, std::chrono::milliseconds patience) {
   const auto deadline = std::chrono::steady_clock::now() + patience;
   std::size_t next = 0;

@@ -40,6 +40,8 @@ class Probe {
   void stop(const std::string& service);
   /// Takes a UDP port for itself alone; reports "holding".
   void holdPort(int port);
+  /// Sets the program's wall clock forward, or back.
+  void stepClock(int seconds);
 
   /// The first event not yet taken that has these fields, waiting for it as long as patience
   /// lasts; throws with everything that was seen instead.

@@ -16,6 +16,7 @@
 #include "Platform/Values/NSNull.h"
 #include "Platform/Values/NSNumber.h"
 #include "Platform/Values/NSString.h"
+#include "tests/network/SteppedClock.h"
 
 namespace rvf::network {
 namespace {
@@ -80,6 +81,7 @@ void ProbeSession::perform(const Json& command) {
   if (action == "stopMonitoring") return service(command)->stopMonitoring();
   if (action == "stop") return service(command)->stop();
   if (action == "holdPort") return holdPort(command.at("port"));
+  if (action == "stepClock") return stepWallClock(std::chrono::seconds(command.at("seconds")));
   if (action == "sync") return write({{"event", "synced"}, {"number", command.at("number")}});
   throw std::invalid_argument("unknown command " + action);
 }
