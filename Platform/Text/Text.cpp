@@ -3,7 +3,9 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 
+#include "Platform/Text/NumberReading.h"
 #include "Platform/Text/Utf8.h"
 
 namespace rvf {
@@ -17,14 +19,62 @@ bool isValidUtf8(std::string_view bytes) noexcept {
   return true;
 }
 
-std::size_t utf16Length(std::string_view text) noexcept {
-  std::size_t count = 0;
-  while (!text.empty()) {
+namespace {
+
+/// The number of ASCII bytes at the start, or a few less.
+std::size_t asciiPrefixLength(std::string_view text) noexcept {
+  constexpr std::uint64_t kHighBits = 0x8080808080808080;
+  std::size_t length = 0;
+  for (std::uint64_t word = 0; text.size() - length >= sizeof word; length += sizeof word) {
+    std::memcpy(&word, text.data() + length, sizeof word);
+    if (word & kHighBits) break;
+  }
+  return length;
+}
+
+constexpr std::size_t utf16UnitsOf(const Utf8Unit& unit) noexcept {
+  return unit.codePoint > 0xFFFF ? 2 : 1;
+}
+
+/// Removes characters that begin before `length` UTF-16 units are over; answers the units removed,
+/// which are one more where that point halves a character.
+std::size_t removeUtf16Prefix(std::string_view& text, std::size_t length) noexcept {
+  std::size_t count = asciiPrefixLength(text.substr(0, length));
+  text.remove_prefix(count);
+  while (count < length && !text.empty()) {
     const Utf8Unit unit = firstUtf8Unit(text);
-    count += unit.codePoint > 0xFFFF ? 2 : 1;
+    count += utf16UnitsOf(unit);
     text.remove_prefix(unit.length);
   }
   return count;
+}
+
+}  // namespace
+
+std::size_t utf16Length(std::string_view text) noexcept {
+  std::size_t count = asciiPrefixLength(text);
+  text.remove_prefix(count);
+  while (!text.empty()) {
+    const Utf8Unit unit = firstUtf8Unit(text);
+    count += utf16UnitsOf(unit);
+    text.remove_prefix(unit.length);
+  }
+  return count;
+}
+
+std::string_view substringUtf16(std::string_view text, std::size_t start,
+                                std::size_t length) noexcept {
+  const bool startsInsideCharacter = removeUtf16Prefix(text, start) > start;
+  if (startsInsideCharacter && length > 0) --length;
+  std::string_view rest = text;
+  std::size_t count = 0;
+  while (count < length && !rest.empty()) {
+    const Utf8Unit unit = firstUtf8Unit(rest);
+    count += utf16UnitsOf(unit);
+    if (count > length) break;
+    rest.remove_prefix(unit.length);
+  }
+  return text.substr(0, text.size() - rest.size());
 }
 
 namespace {
@@ -100,12 +150,23 @@ std::string joinText(const std::vector<std::string_view>& pieces, std::string_vi
   return text;
 }
 
-bool boolValueOfText(std::string_view text) noexcept {
+std::string_view trimText(std::string_view text, CharacterSet set) noexcept {
+  text = withoutPrefix(text, set);
   while (!text.empty()) {
-    const Utf8Unit unit = firstUtf8Unit(text);
-    if (!isWhiteSpaceOrNewline(unit.codePoint)) break;
-    text.remove_prefix(unit.length);
+    const Utf8Unit unit = lastUtf8Unit(text);
+    if (!set(unit.codePoint)) break;
+    text.remove_suffix(unit.length);
   }
+  return text;
+}
+
+std::int32_t intValueOfText(std::string_view text) noexcept {
+  const auto number = leadingInteger(withoutPrefix(text, &isWhiteSpaceOrNewline));
+  return number ? number->value : 0;
+}
+
+bool boolValueOfText(std::string_view text) noexcept {
+  text = withoutPrefix(text, &isWhiteSpaceOrNewline);
   if (text.starts_with('+') || text.starts_with('-')) text.remove_prefix(1);
   text.remove_prefix(std::min(text.find_first_not_of('0'), text.size()));
   constexpr std::string_view kTrue = "YyTt123456789";

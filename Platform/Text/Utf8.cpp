@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Platform/Text/Utf8.h"
 
+#include <unicode/uchar.h>
+
+#include <algorithm>
+
 namespace rvf {
 namespace {
 
@@ -43,6 +47,16 @@ Utf8Unit firstUtf8Unit(std::string_view text) noexcept {
   return {codePoint, form.length, true};
 }
 
+Utf8Unit lastUtf8Unit(std::string_view text) noexcept {
+  constexpr std::size_t kLongest = 4;
+  const std::size_t longest = std::min(kLongest, text.size());
+  std::size_t length = 1;
+  while (length < longest && isUtf8Continuation(text[text.size() - length]))
+    ++length;
+  const Utf8Unit unit = firstUtf8Unit(text.substr(text.size() - length));
+  return unit.length == length ? unit : kIllFormed;
+}
+
 bool isWhiteSpace(char32_t codePoint) noexcept {
   switch (codePoint) {
     case 0x09:
@@ -61,6 +75,19 @@ bool isWhiteSpace(char32_t codePoint) noexcept {
 bool isNewline(char32_t codePoint) noexcept {
   return (codePoint >= 0x0A && codePoint <= 0x0D) || codePoint == 0x85 || codePoint == 0x2028 ||
          codePoint == 0x2029;
+}
+
+bool isDecimalDigit(char32_t codePoint) noexcept {
+  return u_isdigit(static_cast<UChar32>(codePoint)) != 0;
+}
+
+std::string_view withoutPrefix(std::string_view text, CharacterSet set) noexcept {
+  while (!text.empty()) {
+    const Utf8Unit unit = firstUtf8Unit(text);
+    if (!set(unit.codePoint)) break;
+    text.remove_prefix(unit.length);
+  }
+  return text;
 }
 
 }  // namespace rvf

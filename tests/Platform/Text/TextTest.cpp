@@ -107,6 +107,123 @@ TEST(Text, SplitsAtEverySeparatorAndKeepsEmptyPieces) {
               ElementsAre("a", "b"));
 }
 
+TEST(Text, CutsAtUtf16Units) {
+  struct Row {
+    std::string text;
+    std::size_t start;
+    std::size_t length;
+    std::string cut;
+  };
+  constexpr std::size_t kToTheEnd = std::string_view::npos;
+  const Row rows[] = {{"1512", 0, 2, "15"},
+                      {"1512", 2, 2, "12"},
+                      {"1512", 3, 9, "2"},
+                      {"1512", 4, 1, ""},
+                      {"1512", 9, 1, ""},
+                      {"1512", 1, kToTheEnd, "512"},
+                      {"", 0, 3, ""},
+                      {"aü€b", 1, 2, "ü€"},
+                      {"a😀b", 1, 2, "😀"},
+                      {"a😀b", 1, 1, ""},
+                      {"a😀b", 2, 2, "b"},
+                      {"a😀b", 2, 0, ""},
+                      {"a😀b", 2, kToTheEnd, "b"},
+                      {"a😀b", 0, 2, "a"},
+                      {"\xFF\xE2\x82z", 1, 2, "\xE2\x82"},
+                      {"0123456789abcdefü", 9, 8, "9abcdefü"}};
+  for (const Row& row : rows) {
+    EXPECT_EQ(substringUtf16(row.text, row.start, row.length), row.cut)
+        << testing::PrintToString(row.text) << " " << row.start << " " << row.length;
+  }
+}
+
+TEST(Text, CuttingInTwoLosesAtMostTheCharacterInBetween) {
+  EXPECT_TRUE(rc::check([] {
+    const std::string text = *anyBytes();
+    const auto at = *rc::gen::inRange<std::size_t>(0, utf16Length(text) + 1);
+    const std::string_view left = substringUtf16(text, 0, at);
+    const std::string_view right = substringUtf16(text, at);
+    RC_ASSERT(text.starts_with(left) && text.ends_with(right));
+    const std::size_t lost = utf16Length(text) - utf16Length(left) - utf16Length(right);
+    RC_ASSERT(lost == (utf16Length(left) == at ? 0U : 2U));
+  }));
+}
+
+TEST(Text, PiecesOneByOneAreThoseOfTheSplit) {
+  EXPECT_TRUE(rc::check([] {
+    const std::string text = *anyBytes();
+    std::vector<std::string_view> walked;
+    TextPieces pieces(text, '?');
+    while (const auto piece = pieces.next())
+      walked.push_back(*piece);
+    RC_ASSERT(walked == splitText(text, "?"));
+    RC_ASSERT(!pieces.next());
+  }));
+}
+
+TEST(Text, TrimsTheEndsOnly) {
+  EXPECT_EQ(trimText(" \t\u00A0a b\u3000 ", &isWhiteSpace), "a b");
+  EXPECT_EQ(trimText("\n a \r\n", &isWhiteSpace), "\n a \r\n");
+  EXPECT_EQ(trimText("\n\u2028 a \r\n\u0085", &isWhiteSpaceOrNewline), "a");
+  EXPECT_EQ(trimText(" \u200B ", &isWhiteSpace), "\u200B");
+  EXPECT_EQ(trimText(" \n ", &isWhiteSpaceOrNewline), "");
+  EXPECT_EQ(trimText("", &isWhiteSpaceOrNewline), "");
+  EXPECT_EQ(trimText("\x80 \xA0", &isWhiteSpace), "\x80 \xA0");
+}
+
+TEST(Text, TrimmingFindsTheSameCharactersFromBothEnds) {
+  EXPECT_TRUE(rc::check([] {
+    const std::string text = *anyBytes();
+    std::vector<std::size_t> forward;
+    for (std::string_view rest = text; !rest.empty();) {
+      forward.push_back(firstUtf8Unit(rest).length);
+      rest.remove_prefix(forward.back());
+    }
+    std::vector<std::size_t> backward;
+    for (std::string_view rest = text; !rest.empty();) {
+      backward.insert(backward.begin(), lastUtf8Unit(rest).length);
+      rest.remove_suffix(backward.front());
+    }
+    RC_ASSERT(forward == backward);
+  }));
+}
+
+TEST(Text, KnowsTheDigitsOfEveryScript) {
+  for (const char32_t digit : {U'0', U'9', U'\u0660', U'\u0967', U'\uFF11', U'\U0001D7CE'})
+    EXPECT_TRUE(isDecimalDigit(digit)) << static_cast<unsigned>(digit);
+  for (const char32_t other : {U'/', U':', U'a', U'\u00B2', U'\u2160', U'\uFFFD'})
+    EXPECT_FALSE(isDecimalDigit(other)) << static_cast<unsigned>(other);
+}
+
+TEST(Text, ReadsIntegers) {
+  struct Row {
+    std::string text;
+    std::int32_t value;
+  };
+  const Row rows[] = {{"12abc", 12},
+                      {" +7", 7},
+                      {"-01", -1},
+                      {"", 0},
+                      {"abc", 0},
+                      {"--1", 0},
+                      {"+ 1", 0},
+                      {"\n\u00A0 3", 3},
+                      {"99999999999", 2147483647},
+                      {"-99999999999", -2147483647 - 1},
+                      {"2147483647", 2147483647},
+                      {"2147483648", 2147483647},
+                      {"-2147483648", -2147483647 - 1},
+                      {"00000000000000000000000000000012", 12},
+                      {"0x1F", 0},
+                      {"010", 10},
+                      {"1.9", 1},
+                      {"1e3", 1},
+                      {"\u0661", 0},
+                      {"inf", 0}};
+  for (const Row& row : rows)
+    EXPECT_EQ(intValueOfText(row.text), row.value) << testing::PrintToString(row.text);
+}
+
 TEST(Text, JoinsPieces) {
   EXPECT_EQ(joinText({}, "&"), "");
   EXPECT_EQ(joinText({"a"}, "&"), "a");

@@ -1,0 +1,262 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "RVFoundation/CardReading/RVFMagneticCardParser.h"
+
+#include <array>
+#include <utility>
+
+#include "Platform/Runtime/ClassBuilder.h"
+#include "Platform/Runtime/ClassRegistration.h"
+#include "Platform/Runtime/Messaging.h"
+#include "Platform/Runtime/NSException.h"
+#include "Platform/Text/Text.h"
+#include "RVFoundation/CardReading/SecretAccessors.h"
+
+namespace rvf {
+namespace {
+
+using Parser = RVFMagneticCardParser;
+
+const ClassRegistration kRegistration(&Parser::classObject);
+
+constexpr char kSegmentEnd = '?';
+constexpr char kTrack1Sentinel = '%';
+constexpr char kTrack1Separator = '^';
+constexpr char kFormatCode = 'B';
+constexpr char kTrack2Sentinel = ';';
+constexpr char kTrack2Separator = '=';
+constexpr char kEncryptedSentinel = '|';
+constexpr char kEncryptedSeparator = '|';
+
+constexpr std::size_t kLongestAccountField = 20;
+constexpr std::size_t kShortestName = 2;
+constexpr std::size_t kLongestName = 26;
+constexpr std::int32_t kCentury = 2000;
+
+/// Indexes into the fields of an encrypted block.
+enum EncryptedField : std::size_t {
+  kStatusBlock = 0,
+  kTrackData = 2,
+  kDataBlock = 5,
+  kKeySerial = 8,
+  kEncryptedFieldCount = 12,
+};
+
+bool hasLength(std::string_view text, std::size_t shortest, std::size_t longest) {
+  const std::size_t length = utf16Length(text);
+  return length >= shortest && length <= longest;
+}
+
+/// The number in two units of an expiry. A unit that is half a character is no digit.
+std::int32_t twoUnitNumber(std::string_view field, std::size_t start) {
+  const bool startsInsideCharacter = utf16Length(substringUtf16(field, 0, start)) != start;
+  return startsInsideCharacter ? 0 : intValueOfText(substringUtf16(field, start, 2));
+}
+
+/// The fields of a block with as many as it has to have, else absent.
+std::optional<std::array<std::string_view, kEncryptedFieldCount>> encryptedFields(
+    std::string_view body) {
+  std::array<std::string_view, kEncryptedFieldCount> fields;
+  TextPieces pieces(body, kEncryptedSeparator);
+  for (std::string_view& field : fields) {
+    const auto piece = pieces.next();
+    if (!piece) return std::nullopt;
+    field = *piece;
+  }
+  return pieces.next() ? std::nullopt : std::optional(fields);
+}
+
+}  // namespace
+
+/// Keeps replaced swipe texts for as long as a parse may be reading them.
+class RVFMagneticCardParser::RunningParse final {
+ public:
+  explicit RunningParse(RVFMagneticCardParser& parser) : parser_(parser) {
+    ++parser_.runningParses_;
+  }
+  ~RunningParse() {
+    if (--parser_.runningParses_ == 0) parser_.replacedSwipes_.clear();
+  }
+  RunningParse(const RunningParse&) = delete;
+  RunningParse& operator=(const RunningParse&) = delete;
+
+ private:
+  RVFMagneticCardParser& parser_;
+};
+
+RVFMagneticCardParser::RVFMagneticCardParser() = default;
+RVFMagneticCardParser::~RVFMagneticCardParser() = default;
+
+Class RVFMagneticCardParser::classObject() {
+  static const Class kClass =
+      ClassBuilder<Parser>("RVFMagneticCardParser", NSObject::classObject())
+          .property("accountNumber", "T@\"NSString\",C,N,V_accountNumber")
+          .property("cardholderName", "T@\"NSString\",C,N,V_cardholderName")
+          .property("expirationYear", "Ti,N,V_expirationYear")
+          .property("expirationMonth", "Ti,N,V_expirationMonth")
+          .property("trackInfo", "TQ,N,V_trackInfo")
+          .property("swipeData", "T@\"NSString\",C,N,V_swipeData")
+          .property("encryptedTrackData", "T@\"RVFEncryptedTrackData\",&,N,V_encryptedTrackData")
+          .property("displayCardholderName", "T@\"NSString\",R,C,N")
+          .ivar("_accountNumber", "@")
+          .ivar("_cardholderName", "@")
+          .ivar<&Parser::expirationYear_>("_expirationYear")
+          .ivar<&Parser::expirationMonth_>("_expirationMonth")
+          .ivar<&Parser::trackInfo_>("_trackInfo")
+          .ivar("_swipeData", "@")
+          .ivar<&Parser::encryptedTrackData_>("_encryptedTrackData")
+          .method("accountNumber", &secretGetter<Parser, &Parser::accountNumber>)
+          .method("setAccountNumber:", &secretSetter<Parser, &Parser::setAccountNumber>)
+          .method("cardholderName", &secretGetter<Parser, &Parser::cardholderName>)
+          .method("setCardholderName:", &secretSetter<Parser, &Parser::setCardholderName>)
+          .method<&Parser::expirationYear>("expirationYear")
+          .method<&Parser::setExpirationYear>("setExpirationYear:")
+          .method<&Parser::expirationMonth>("expirationMonth")
+          .method<&Parser::setExpirationMonth>("setExpirationMonth:")
+          .method<&Parser::trackInfo>("trackInfo")
+          .method<&Parser::setTrackInfo>("setTrackInfo:")
+          .method("swipeData", &secretGetter<Parser, &Parser::swipeData>)
+          .method("setSwipeData:", &secretSetter<Parser, &Parser::setSwipeData>)
+          .method<&Parser::encryptedTrackData>("encryptedTrackData")
+          .method<&Parser::setEncryptedTrackData>("setEncryptedTrackData:")
+          .method<&Parser::displayCardholderName>("displayCardholderName")
+          .method<&Parser::parseSwipeRequiringName>("parseSwipeRequiringName:")
+          .method<&Parser::parseTrack1>("parseTrack1:requiringValidName:")
+          .method<&Parser::parseTrack2>("parseTrack2:")
+          .method<&Parser::parseEncryptedTrack>("parseEncryptedTrack:")
+          .registered();
+  return kClass;
+}
+
+Class RVFMagneticCardParser::isa() const {
+  return classObject();
+}
+
+void RVFMagneticCardParser::setAccountNumber(std::optional<std::string_view> accountNumber) {
+  accountNumber_ = SecretText(accountNumber);
+}
+
+void RVFMagneticCardParser::setCardholderName(std::optional<std::string_view> cardholderName) {
+  cardholderName_ = SecretText(cardholderName);
+}
+
+void RVFMagneticCardParser::setExpirationYear(std::int32_t year) {
+  expirationYear_ = year;
+}
+
+void RVFMagneticCardParser::setExpirationMonth(std::int32_t month) {
+  expirationMonth_ = month;
+}
+
+void RVFMagneticCardParser::setTrackInfo(std::uint64_t trackInfo) {
+  trackInfo_ = trackInfo;
+}
+
+void RVFMagneticCardParser::setSwipeData(std::optional<std::string_view> swipeData) {
+  SecretText former = std::exchange(swipeData_, SecretText(swipeData));
+  if (runningParses_ > 0) replacedSwipes_.push_back(std::move(former));
+}
+
+void RVFMagneticCardParser::setEncryptedTrackData(Ref<RVFEncryptedTrackData> data) {
+  encryptedTrackData_ = std::move(data);
+}
+
+bool RVFMagneticCardParser::parseNewSwipe(std::optional<std::string_view> trackData,
+                                          bool requireValidName) {
+  setSwipeData(trackData);
+  setTrackInfo(0);
+  return parseSwipeRequiringName(requireValidName);
+}
+
+bool RVFMagneticCardParser::parseSwipeRequiringName(bool isNameRequired) {
+  const auto swipe = swipeData();
+  if (!swipe) return true;
+  const RunningParse running(*this);
+  TextPieces segments(*swipe, kSegmentEnd);
+  while (const auto piece = segments.next()) {
+    const std::string_view segment = trimText(*piece, &isWhiteSpaceOrNewline);
+    if (segment.empty()) return true;
+    if (!parseSegment(segment.front(), segment.substr(1), isNameRequired)) return false;
+  }
+  return true;
+}
+
+bool RVFMagneticCardParser::parseSegment(char sentinel, std::string_view body,
+                                         bool isNameRequired) {
+  static const SEL kParseTrack1("parseTrack1:requiringValidName:");
+  static const SEL kParseTrack2("parseTrack2:");
+  static const SEL kParseEncryptedTrack("parseEncryptedTrack:");
+  std::uint64_t parsed = 0;
+  switch (sentinel) {
+    case kTrack1Sentinel:
+      if (send<bool>(*this, kParseTrack1, body, isNameRequired)) parsed = RVFTrackInfoTrack1;
+      break;
+    case kTrack2Sentinel:
+      if (send<bool>(*this, kParseTrack2, body)) parsed = RVFTrackInfoTrack2;
+      break;
+    case kEncryptedSentinel:
+      if (send<bool>(*this, kParseEncryptedTrack, body)) parsed = RVFTrackInfoEncryptedTrack;
+      break;
+    default:
+      break;
+  }
+  setTrackInfo(trackInfo() | parsed);
+  return parsed != 0;
+}
+
+bool RVFMagneticCardParser::parseTrack1(std::string_view body, bool requiringValidName) {
+  TextPieces fields(body, kTrack1Separator);
+  const std::string_view account = fields.next().value_or("");
+  const auto name = fields.next();
+  if (!name || !hasLength(account, 1, kLongestAccountField) || account.front() != kFormatCode) {
+    return false;
+  }
+  setAccountNumber(account.substr(1));
+  if (requiringValidName && !hasLength(*name, kShortestName, kLongestName)) return false;
+  setCardholderName(*name);
+  const auto expiration = fields.next();
+  if (!expiration) NSException::raise(NSRangeException, "index 2 beyond bounds [0 .. 1]");
+  readExpiration(*expiration);
+  return true;
+}
+
+void RVFMagneticCardParser::readExpiration(std::string_view field) {
+  constexpr std::size_t kYear = 0;
+  constexpr std::size_t kMonth = 2;
+  constexpr std::size_t kEnd = 4;
+  if (utf16Length(field) < kEnd) return;
+  setExpirationYear(twoUnitNumber(field, kYear) + kCentury);
+  setExpirationMonth(twoUnitNumber(field, kMonth));
+}
+
+bool RVFMagneticCardParser::parseTrack2(std::string_view body) {
+  const std::string_view account = TextPieces(body, kTrack2Separator).next().value_or("");
+  if (!hasLength(account, 1, kLongestAccountField)) return false;
+  setAccountNumber(account);
+  return true;
+}
+
+bool RVFMagneticCardParser::parseEncryptedTrack(std::string_view body) {
+  const auto fields = encryptedFields(body);
+  if (!fields) return false;
+  const auto record = std::make_shared<RVFEncryptedTrackData>();
+  record->setTrackData((*fields)[kTrackData]);
+  record->setKeySerial((*fields)[kKeySerial]);
+  record->setDataBlock((*fields)[kDataBlock]);
+  record->setStatusBlock((*fields)[kStatusBlock]);
+  setEncryptedTrackData(record);
+  return true;
+}
+
+std::string RVFMagneticCardParser::displayCardholderName() const {
+  const std::string_view name = cardholderName().value_or("");
+  const std::size_t slash = name.find('/');
+  const std::string_view last = trimText(name.substr(0, slash), &isWhiteSpace);
+  if (slash == std::string_view::npos) return std::string(last);
+  const std::string_view first = trimText(name.substr(slash + 1), &isWhiteSpace);
+  std::string shown;
+  shown.reserve(first.size() + 1 + last.size());
+  shown.append(first).append(1, ' ').append(last);
+  return shown;
+}
+
+}  // namespace rvf
