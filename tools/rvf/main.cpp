@@ -15,7 +15,9 @@
 #include "Platform/Network/ServiceDiscovery.h"
 #include "tools/rvf/BrowseCommand.h"
 #include "tools/rvf/ConnectCommand.h"
+#include "tools/rvf/ExpiryCommand.h"
 #include "tools/rvf/ResolveCommand.h"
+#include "tools/rvf/SwipeCommand.h"
 #include "tools/terminal/DiscoveryOption.h"
 #include "tools/terminal/ExitCode.h"
 
@@ -23,12 +25,13 @@ namespace {
 
 using rvf::tool::BrowseOptions;
 using rvf::tool::ConnectOptions;
+using rvf::tool::SwipeOptions;
 
 constexpr const char* kFooter =
-    "Exit codes: 0 done, 64 wrong usage, 65 the answer is no well-formed gzip XML, 66 a named "
-    "file\n"
-    "cannot be read, 68 no such server, 69 discovery or server unavailable, 70 internal error,\n"
-    "74 output failed, 75 out of time, 76 TLS or HTTP failed.";
+    "Exit codes: 0 done, 64 wrong usage, 65 the answer is no well-formed gzip XML, or a swipe or\n"
+    "expiry date cannot be read, 66 a named file or standard input cannot be read, 68 no such\n"
+    "server, 69 discovery or server unavailable, 70 internal error, 74 output failed, 75 out of\n"
+    "time, 76 TLS or HTTP failed.";
 
 /// https://no-color.org: any value that is not empty switches colour off.
 bool wantsColour() {
@@ -74,12 +77,37 @@ void addConnect(CLI::App& app, ConnectOptions& options, ExitCode& result) {
   command->callback([&] { result = rvf::tool::connectCommand(options); });
 }
 
+void addSwipe(CLI::App& app, SwipeOptions& options, ExitCode& result) {
+  auto* command = app.add_subcommand(
+      "swipe", "Read card swipes from standard input, one a line, and print their fields");
+  command->add_flag("--json", options.asJson, "One JSON object a line");
+  command->add_flag("--reveal", options.isRevealed,
+                    "Print account numbers whole, not only first six and last four digits");
+  auto* requireName = command->add_flag("--require-name", options.isNameRequired,
+                                        "Refuse a name that is not 2 to 26 characters long");
+  command
+      ->add_flag("--credit-card", options.isCreditCard,
+                 "Read as a payment card: with a name, and the account number from track 1 only")
+      ->excludes(requireName);
+  command->callback([&] { result = rvf::tool::swipeCommand(options); });
+}
+
+void addExpiry(CLI::App& app, std::string& text, bool& asJson, ExitCode& result) {
+  auto* command = app.add_subcommand("expiry", "Read a typed expiry date: MMYY, MM/YY or MM/YYYY");
+  command->add_option("TEXT", text, "The date as it was typed")->required();
+  command->add_flag("--json", asJson, "Print a JSON object");
+  command->callback([&] { result = rvf::tool::expiryCommand(text, asJson); });
+}
+
 ExitCode run(int argc, char** argv) {
   ExitCode result = ExitCode::ok;
   BrowseOptions browse;
   browse.inColour = wantsColour();
   ConnectOptions resolve;
   ConnectOptions connect;
+  SwipeOptions swipe;
+  std::string expiry;
+  bool isExpiryJson = false;
   CLI::App app("Tools of the RVFoundation library");
   app.require_subcommand(1);
   app.footer(kFooter);
@@ -92,6 +120,8 @@ ExitCode run(int argc, char** argv) {
   addBrowse(app, browse, result);
   addResolve(app, resolve, result);
   addConnect(app, connect, result);
+  addSwipe(app, swipe, result);
+  addExpiry(app, expiry, isExpiryJson, result);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
