@@ -6,7 +6,7 @@
 namespace rvf {
 
 void wipeMemory(void* bytes, std::size_t size) noexcept {
-  explicit_bzero(bytes, size);
+  if (size > 0) explicit_bzero(bytes, size);
 }
 
 void wipeText(std::string& text) noexcept {
