@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Platform/RunLoop/NSRunLoopCore.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <system_error>
 #include <utility>
@@ -12,7 +14,8 @@ namespace rvf {
 namespace {
 
 void check(int status) {
-  if (status != 0) throw std::system_error(-status, std::generic_category(), uv_strerror(status));
+  if (status == 0) return;
+  throw std::system_error(-status, std::generic_category(), "a run loop cannot be made");
 }
 
 std::chrono::milliseconds roundedUp(std::chrono::nanoseconds duration) {
@@ -72,7 +75,11 @@ class NSRunLoop::Core::RunCall final {
 };
 
 NSRunLoop::Core::Core() {
-  check(uv_loop_init(&loop_));
+  loop_.backend_fd = -1;
+  const int status = uv_loop_init(&loop_);
+  // libuv leaves it open when a later step fails.
+  if (status != 0 && loop_.backend_fd >= 0) ::close(loop_.backend_fd);
+  check(status);
   check(uv_timer_init(&loop_, &timer_));
   wakePoll_.data = &wakeUp_;
   check(uv_poll_init(&loop_, &wakePoll_, wakeUp_.descriptor()));

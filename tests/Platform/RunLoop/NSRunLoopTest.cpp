@@ -3,10 +3,15 @@
 
 #include <gmock/gmock.h>
 #include <rapidcheck.h>
+#include <sys/resource.h>
+#include <unistd.h>
 
+#include <filesystem>
+#include <iterator>
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -315,6 +320,48 @@ TEST_F(NSRunLoopTest, SourcesMayOutliveTheirLoop) {
     timer = NSRunLoop::currentRunLoop()->scheduleTimer(0, kDefault, [] {});
   }).join();
   timer.reset();
+}
+
+std::size_t openDescriptors() {
+  const std::filesystem::directory_iterator all("/proc/self/fd");
+  return static_cast<std::size_t>(std::distance(begin(all), end(all)));
+}
+
+/// Lets this process open so many descriptors more, while it lives.
+class DescriptorLimit final {
+ public:
+  explicit DescriptorLimit(rlim_t more) {
+    ::getrlimit(RLIMIT_NOFILE, &before_);
+    rlimit limit = before_;
+    const int lowestFree = ::dup(STDIN_FILENO);
+    ::close(lowestFree);
+    limit.rlim_cur = static_cast<rlim_t>(lowestFree) + more;
+    ::setrlimit(RLIMIT_NOFILE, &limit);
+  }
+  ~DescriptorLimit() { ::setrlimit(RLIMIT_NOFILE, &before_); }
+  DescriptorLimit(const DescriptorLimit&) = delete;
+  DescriptorLimit& operator=(const DescriptorLimit&) = delete;
+
+ private:
+  rlimit before_{};
+};
+
+TEST_F(NSRunLoopTest, ThatCannotBeMadeThrowsAndLeavesNoDescriptorOpen) {
+  const std::size_t before = openDescriptors();
+  int failures = 0;
+  for (rlim_t more = 0; more < 3; ++more) {
+    std::thread([&] {
+      const DescriptorLimit limit(more);
+      try {
+        NSRunLoop::currentRunLoop();
+      } catch (const std::system_error& error) {
+        ++failures;
+        EXPECT_EQ(error.code(), std::errc::too_many_files_open);
+      }
+    }).join();
+    EXPECT_EQ(openDescriptors(), before) << more;
+  }
+  EXPECT_GE(failures, 2);
 }
 
 }  // namespace
