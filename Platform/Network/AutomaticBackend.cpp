@@ -101,6 +101,10 @@ std::unique_ptr<PublishActivity> AutomaticBackend::publish(const Publication& pu
   return activity;
 }
 
+bool AutomaticBackend::isResponding() const {
+  return chosen_ && chosen_->isResponding();
+}
+
 std::string AutomaticBackend::defaultServiceName() {
   return computerName();
 }

@@ -42,6 +42,7 @@ class RVF_EXPORT AutomaticBackend final : public ServiceDiscoveryBackend {
                                              ResolveEvents events) override;
   std::unique_ptr<PublishActivity> publish(const Publication& publication,
                                            PublishEvents events) override;
+  bool isResponding() const override;
   std::string defaultServiceName() override;
 
  private:

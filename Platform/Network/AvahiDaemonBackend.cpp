@@ -51,6 +51,10 @@ std::unique_ptr<PublishActivity> AvahiDaemonBackend::publish(const Publication& 
       std::make_shared<DaemonPublication>(publication, std::move(events)));
 }
 
+bool AvahiDaemonBackend::isResponding() const {
+  return AvahiDaemon::forCurrentThread()->state() != DaemonState::absent;
+}
+
 std::string AvahiDaemonBackend::defaultServiceName() {
   return computerName();
 }

@@ -29,6 +29,7 @@ class RVF_EXPORT AvahiDaemonBackend final : public ServiceDiscoveryBackend {
                                              ResolveEvents events) override;
   std::unique_ptr<PublishActivity> publish(const Publication& publication,
                                            PublishEvents events) override;
+  bool isResponding() const override;
   std::string defaultServiceName() override;
 };
 

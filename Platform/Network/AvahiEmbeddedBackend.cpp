@@ -36,6 +36,10 @@ std::unique_ptr<PublishActivity> AvahiEmbeddedBackend::publish(const Publication
   return std::make_unique<EmbeddedPublication>(stack_, publication, std::move(events));
 }
 
+bool AvahiEmbeddedBackend::isResponding() const {
+  return stack_->isRunning();
+}
+
 std::string AvahiEmbeddedBackend::defaultServiceName() {
   return computerName();
 }

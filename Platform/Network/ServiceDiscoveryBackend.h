@@ -127,6 +127,10 @@ class RVF_EXPORT ServiceDiscoveryBackend {
   virtual std::unique_ptr<PublishActivity> publish(const Publication& publication,
                                                    PublishEvents events) = 0;
 
+  /// Whether somebody is there to be asked now: a daemon that answers, a stack that has started.
+  /// Activities wait until it is so; this tells why nothing comes of them.
+  virtual bool isResponding() const { return true; }
+
   /// The name that a registration without one gets: the host's pretty name or its host name.
   virtual std::string defaultServiceName() = 0;
 };

@@ -11,11 +11,14 @@ import json
 import os
 import pty
 import re
+import signal
+import socket
 import ssl
 import subprocess
 import sys
 import tempfile
 import threading
+import time
 import unittest
 
 RVF, STOREFRONT = sys.argv[1:3]
@@ -23,12 +26,15 @@ PRODUCTS = 2000
 
 
 def enter_private_network():
-    """Moves this process into a fresh network namespace with only a loopback interface."""
+    """Moves this process into a network with only a loopback interface and hosts of its own."""
     if os.environ.get("RVF_TEST_NETWORK") == "private":
         return
     environment = dict(os.environ, RVF_TEST_NETWORK="private")
-    script = 'ip link set lo up && exec "$0" "$@"'
-    command = ["unshare", "--net", "--", "sh", "-c", script, sys.executable] + sys.argv
+    script = (
+        'ip link set lo up && hosts=$(mktemp) && '
+        'printf "%s\\n" "127.0.0.1 localhost both" "::1 localhost both" >"$hosts" && '
+        'mount --bind "$hosts" /etc/hosts && rm "$hosts" && exec "$0" "$@"')
+    command = ["unshare", "--net", "--mount", "--", "sh", "-c", script, sys.executable] + sys.argv
     os.execvpe(command[0], command, environment)
 
 
@@ -37,17 +43,51 @@ def rvf(*arguments, **options):
     return subprocess.run([RVF, *arguments], capture_output=True, text=True, **options)
 
 
+def on_terminal(stream, *arguments, **environment):
+    """Runs the tool with one stream, "stdout" or "stderr", on a terminal; answers what it wrote."""
+    controller, terminal = pty.openpty()
+    variables = {"TERM": "xterm", **os.environ, **environment}
+    if "NO_COLOR" not in environment:
+        variables.pop("NO_COLOR", None)
+    streams = {"stdout": subprocess.DEVNULL, "stderr": subprocess.DEVNULL, stream: terminal}
+    process = subprocess.Popen([RVF, *arguments], env=variables, **streams)
+    os.close(terminal)
+    output = b""
+    while True:
+        try:
+            piece = os.read(controller, 4096)
+        except OSError:
+            break
+        if not piece:
+            break
+        output += piece
+    process.wait(timeout=20)
+    os.close(controller)
+    return output.decode()
+
+
+def wait_until_blocked(process, number):
+    """Waits until the process handles a signal by itself."""
+    for _ in range(1000):
+        with open(f"/proc/{process.pid}/status", encoding="utf-8") as status:
+            blocked = re.search(r"^SigBlk:\s*([0-9a-f]+)$", status.read(), re.MULTILINE)
+        if int(blocked[1], 16) & 1 << number - 1:
+            return
+        time.sleep(0.01)
+    raise RuntimeError("the signal is not blocked")
+
+
 class Shop:
     """A storefront process that is announced as NAME."""
 
-    def __init__(self, directory, name, *options):
-        self.authority = os.path.join(directory, name + ".pem")
+    def __init__(self, directory, name, *options, authority=None):
+        self.authority = os.path.join(directory, authority or name + ".pem")
         self.process = subprocess.Popen(
             [STOREFRONT, "--name", name, "--authority-file", self.authority,
              "--products", str(PRODUCTS), *options],
             stdout=subprocess.PIPE, text=True)
         line = self.process.stdout.readline()
-        match = re.fullmatch(r'published "(.*)" on port (\d+)\n', line)
+        match = re.fullmatch(r'published "(.*)" on port (\d+)\n', line, re.DOTALL)
         if not match:
             raise RuntimeError(f"the storefront said {line!r}")
         self.name, self.port = match[1], int(match[2])
@@ -69,7 +109,7 @@ class AnsweringServer:
         subprocess.run(
             ["openssl", "req", "-x509", "-newkey", "ec", "-pkeyopt", "ec_paramgen_curve:P-256",
              "-nodes", "-keyout", key, "-out", self.certificate, "-days", "1", "-subj", "/CN=own",
-             "-addext", "subjectAltName=IP:127.0.0.1"],
+             "-addext", "subjectAltName=IP:127.0.0.1,IP:::1"],
             check=True, capture_output=True)
         owner = self
 
@@ -89,9 +129,9 @@ class AnsweringServer:
         self.server.socket = context.wrap_socket(self.server.socket, server_side=True)
         threading.Thread(target=self.server.serve_forever, daemon=True).start()
 
-    def ask(self, body, status=200):
+    def ask(self, body, status=200, address="127.0.0.1:9900", **options):
         self.status, self.body = status, body
-        return rvf("connect", "--static", "127.0.0.1:9900", "--ca-file", self.certificate)
+        return rvf("connect", "--static", address, "--ca-file", self.certificate, **options)
 
     def close(self):
         self.server.shutdown()
@@ -211,31 +251,79 @@ class ToolTest(unittest.TestCase):
                                     check=False)
         self.assertEqual(result.returncode, 74)
 
-    def test_colour_only_on_a_terminal_and_not_with_no_color(self):
-        for environment, coloured in (({}, True), ({"NO_COLOR": "1"}, False)):
+    def test_every_command_reports_a_full_disk(self):
+        rows = [
+            ["browse", "--for", "20"],
+            ["browse", "--for", "20", "--json"],
+            ["resolve", "Till Åäö", "--json"],
+            ["connect", "--ca-file", self.shop.authority],
+            ["connect", "--ca-file", self.shop.authority, "--json"],
+        ]
+        for arguments in rows:
+            with self.subTest(arguments=arguments), open("/dev/full", "w", encoding="utf-8") as full:
+                result = subprocess.run([RVF, *arguments], stdout=full, timeout=60, check=False)
+                self.assertEqual(result.returncode, 74)
+
+    def test_durations_that_no_timer_can_wait_for_are_wrong_usage(self):
+        for value in ("nan", "-1", "inf", "-inf", "1e400", "soon", "1s", ""):
+            for command in (["browse", "--for"], ["resolve", "X", "--timeout"],
+                            ["connect", "--timeout"]):
+                with self.subTest(command=command, value=value):
+                    result = rvf(*command, value)
+                    self.assertEqual(result.returncode, 64, result.stderr)
+                    self.assertIn(command[-1], result.stderr)
+        self.assertEqual(rvf("connect", "--timeout", "0").returncode, 64)
+        self.assertEqual(rvf("browse", "--for", "0").returncode, 0)
+
+    def test_an_interrupted_search_is_temporary(self):
+        for command in (["resolve", "Nobody"], ["connect", "Nobody"]):
+            with self.subTest(command=command):
+                process = subprocess.Popen([RVF, *command, "--timeout", "50"], text=True,
+                                           stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+                wait_until_blocked(process, signal.SIGINT)
+                process.send_signal(signal.SIGINT)
+                _, errors = process.communicate(timeout=20)
+                self.assertEqual(process.returncode, 75)
+                self.assertEqual(errors, "rvf: interrupted\n")
+
+    def test_a_machine_without_descriptors_is_an_internal_error(self):
+        for command in (["browse"], ["resolve", "Nobody"], ["connect"]):
+            with self.subTest(command=command):
+                result = subprocess.run(
+                    ["sh", "-c", 'ulimit -n 4 && exec "$0" "$@"', RVF, *command],
+                    capture_output=True, text=True, timeout=60, check=False)
+                self.assertEqual(result.returncode, 70, result.stderr)
+                self.assertRegex(result.stderr, r"^rvf: .+: Too many open files\n$")
+
+    def test_colour_only_on_a_capable_terminal_and_not_with_no_color(self):
+        rows = [({}, True), ({"NO_COLOR": "1"}, False), ({"NO_COLOR": ""}, True),
+                ({"TERM": "dumb"}, False), ({"TERM": ""}, False)]
+        for environment, coloured in rows:
             with self.subTest(environment=environment):
-                output = self.browse_on_terminal(environment)
+                output = on_terminal("stdout", "browse", "--for", "2", **environment)
                 self.assertIn("Till Åäö", output)
                 self.assertEqual("\x1b[" in output, coloured)
 
-    def browse_on_terminal(self, environment):
-        controller, terminal = pty.openpty()
-        variables = {key: value for key, value in os.environ.items() if key != "NO_COLOR"}
-        process = subprocess.Popen([RVF, "browse", "--for", "2"], stdout=terminal,
-                                   env={**variables, **environment})
-        os.close(terminal)
-        output = b""
-        while True:
-            try:
-                piece = os.read(controller, 4096)
-            except OSError:
-                break
-            if not piece:
-                break
-            output += piece
-        process.wait(timeout=20)
-        os.close(controller)
-        return output.decode()
+    def test_progress_only_on_a_capable_terminal(self):
+        arguments = ["connect", "--ca-file", self.shop.authority]
+        self.assertIn(" products, ", on_terminal("stderr", *arguments))
+        self.assertTrue(on_terminal("stderr", *arguments).endswith("\r\x1b[K"))
+        self.assertEqual(on_terminal("stderr", *arguments, TERM="dumb"), "")
+        self.assertEqual(rvf(*arguments).stderr, "")
+
+    def test_names_from_the_network_are_shown_without_controls(self):
+        name = "Bell\x07 \x1b[31mred\x7f \u202eturned\u2066 \u0085"
+        shop = Shop(self.directory.name, name, "--port", "9701", authority="controls.pem")
+        try:
+            shown = "Bell? ?[31mred? ?turned? ?"
+            lines = rvf("browse", "--for", "3").stdout.splitlines()
+            self.assertIn("+ " + shown + "  local.", lines)
+            self.assertIn("= " + shown + "  demo  local.", lines)
+            self.assertIn("server       " + shown + "\n", rvf("resolve", name).stdout)
+        finally:
+            shop.close()
+        result = rvf("resolve", name + "\udcff", "--timeout", "0.1")
+        self.assertIn('no server "' + shown + '?" was found', result.stderr)
 
 
 class BadAnswerTest(unittest.TestCase):
@@ -265,15 +353,76 @@ class BadAnswerTest(unittest.TestCase):
                 self.assertEqual(result.returncode, 65, result.stderr)
                 self.assertIn(message, result.stderr)
 
-    def test_a_failed_command_is_a_protocol_error(self):
-        result = self.server.ask(b"no", status=500)
-        self.assertEqual(result.returncode, 76)
-        self.assertIn("500", result.stderr)
+    def test_every_status_but_200_is_a_protocol_error(self):
+        for status, body in ((500, b"no"), (404, b""), (302, b""), (204, b""),
+                             (201, gzip.compress(b"<catalogue/>"))):
+            with self.subTest(status=status):
+                result = self.server.ask(body, status=status)
+                self.assertEqual(result.returncode, 76, result.stderr)
+                self.assertEqual(result.stderr,
+                                 f"rvf: the server answered with status {status}\n")
+                self.assertEqual(result.stdout, "")
+
+    def test_the_next_address_is_tried_where_one_does_not_answer(self):
+        result = self.server.ask(gzip.compress(b"<catalogue/>"), address="both:9900")
+        self.assertEqual(result.returncode, 0, result.stderr)
+        self.assertIn("addresses    [::1]:9900 127.0.0.1:9900\n", result.stdout)
+        self.assertIn("url          https://127.0.0.1:9900/catalogue\n", result.stdout)
+
+    def test_a_port_that_base_urls_cannot_carry_is_unavailable(self):
+        for port in (32768, 40000, 65535):
+            with self.subTest(port=port):
+                result = self.server.ask(b"", address=f"127.0.0.1:{port}")
+                self.assertEqual(result.returncode, 69)
+                self.assertEqual(result.stderr, "rvf: the server's port is above 32767, which base "
+                                                "URLs cannot carry\n")
+
+    def test_the_report_for_people_has_every_line(self):
+        result = self.server.ask(gzip.compress(b"<catalogue><product/><product/></catalogue>"))
+        self.assertEqual(result.returncode, 0, result.stderr)
+        self.assertRegex(result.stdout, r"""\Aserver       127\.0\.0\.1:9900
+demo         unknown
+addresses    127\.0\.0\.1:9900
+url          https://127\.0\.0\.1:9900/catalogue
+elements     3
+products     2
+received     \d+ bytes
+inflated     43 bytes
+time         \d+\.\d{3} s
+peak memory  \d+\.\d MiB
+\Z""")
 
     def test_a_good_answer_is_read(self):
         result = self.server.ask(gzip.compress(b"<catalogue><product/></catalogue>"))
         self.assertEqual(result.returncode, 0, result.stderr)
         self.assertIn("products     1\n", result.stdout)
+
+
+class NoDiscoveryTest(unittest.TestCase):
+    COMMANDS = (["browse"], ["browse", "--for", "0.5"], ["resolve", "Nobody"],
+                ["connect", "Nobody", "--timeout", "0.5"])
+
+    def assert_unavailable(self, backend, message, **environment):
+        for command in self.COMMANDS:
+            with self.subTest(command=command):
+                result = rvf("--backend", backend, *command, env={**os.environ, **environment})
+                self.assertEqual(result.returncode, 69, result.stderr)
+                self.assertEqual(result.stderr,
+                                 f"rvf: service discovery is unavailable: {message}\n")
+
+    def test_without_a_daemon(self):
+        self.assert_unavailable("daemon", "no Avahi daemon answers on the system bus",
+                                DBUS_SYSTEM_BUS_ADDRESS="unix:path=/nonexistent")
+
+    def test_without_the_port_of_multicast_dns(self):
+        stack = ("the multicast DNS port, 5353, cannot be opened; another program may hold it for "
+                 "itself")
+        with socket.socket(socket.AF_INET6, socket.SOCK_DGRAM) as holder:
+            holder.bind(("::", 5353))
+            self.assert_unavailable("embedded", stack)
+            self.assert_unavailable("automatic",
+                                    f"no Avahi daemon answers on the system bus, and {stack}",
+                                    DBUS_SYSTEM_BUS_ADDRESS="unix:path=/nonexistent")
 
 
 if __name__ == "__main__":

@@ -9,6 +9,7 @@
 
 #include "Platform/RunLoop/NSRunLoop.h"
 #include "RVFoundation/ServerDiscovery/RVFQMServerServiceBrowser.h"
+#include "tools/rvf/DiscoveryCheck.h"
 #include "tools/rvf/Finding.h"
 #include "tools/terminal/SignalWatch.h"
 
@@ -73,10 +74,18 @@ class Listing final {
 ExitCode browseCommand(const BrowseOptions& options) {
   const auto loop = NSRunLoop::mainRunLoop();
   const SignalWatch signals({SIGINT, SIGTERM}, [&loop](int) { loop->stop(); });
-  std::unique_ptr<RunLoopSource> timer;
+  std::optional<std::string> problem;
+  const RunLoopModes modes{std::string(NSDefaultRunLoopMode)};
+  const auto start = loop->scheduleTimer(kDiscoveryStartSeconds, modes, [&] {
+    problem = discoveryProblem();
+    if (problem) loop->stop();
+  });
+  std::unique_ptr<RunLoopSource> end;
   if (options.seconds) {
-    timer = loop->scheduleTimer(*options.seconds, {std::string(NSDefaultRunLoopMode)},
-                                [&loop] { loop->stop(); });
+    end = loop->scheduleTimer(*options.seconds, modes, [&] {
+      problem = discoveryProblem(*options.seconds);
+      loop->stop();
+    });
   }
   Listing listing(options);
   const auto browser = RVFQMServerServiceBrowser::serviceBrowser();
@@ -88,6 +97,10 @@ ExitCode browseCommand(const BrowseOptions& options) {
       });
   loop->run();
   browser->stop();
+  if (problem) {
+    complain(*problem);
+    return ExitCode::unavailable;
+  }
   return std::cout ? ExitCode::ok : ExitCode::ioError;
 }
 

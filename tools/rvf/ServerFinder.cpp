@@ -10,6 +10,7 @@
 #include "RVFoundation/ServerDiscovery/NSNetService-RVFExtensions.h"
 #include "RVFoundation/ServerDiscovery/RVFQMServerServiceBrowser.h"
 #include "RVFoundation/ServerDiscovery/RVFStaticServer.h"
+#include "tools/rvf/DiscoveryCheck.h"
 #include "tools/terminal/SignalWatch.h"
 
 namespace rvf::tool {
@@ -23,6 +24,11 @@ std::string textOf(const NSError& error) {
 /// How long a server that was found may take to tell whether it is a demo server.
 constexpr double kGraceSeconds = 2;
 
+std::unique_ptr<RunLoopSource> timerOf(double seconds, NSRunLoop::Block block) {
+  return NSRunLoop::mainRunLoop()->scheduleTimer(seconds, {std::string(NSDefaultRunLoopMode)},
+                                                 std::move(block));
+}
+
 /// Runs the main run loop until the search ends it or the time is up.
 class Search final {
  public:
@@ -31,9 +37,10 @@ class Search final {
 
   /// Starts the time anew; the search fails like this when it is up.
   void failAfter(double seconds, ExitCode code, const std::string& message) {
-    timer_ =
-        NSRunLoop::mainRunLoop()->scheduleTimer(seconds, {std::string(NSDefaultRunLoopMode)},
-                                                [this, code, message] { fail(code, message); });
+    callAfter(seconds, [this, code, message] { fail(code, message); });
+  }
+  void callAfter(double seconds, NSRunLoop::Block timeIsUp) {
+    timer_ = timerOf(seconds, std::move(timeIsUp));
   }
   void fail(ExitCode code, std::string message) {
     finish({std::nullopt, code, std::move(message)});
@@ -66,9 +73,13 @@ class ServerSearch final : public std::enable_shared_from_this<ServerSearch> {
       : name_(std::move(name)), timeoutSeconds_(timeoutSeconds) {}
 
   FindResult run() {
-    search_.failAfter(
-        timeoutSeconds_, ExitCode::noHost,
-        name_.empty() ? "no server was found" : "no server \"" + name_ + "\" was found");
+    search_.callAfter(timeoutSeconds_, [this] {
+      failUnlessDiscoveryWorks(timeoutSeconds_);
+      search_.fail(ExitCode::noHost,
+                   name_.empty() ? "no server was found" : "no server \"" + name_ + "\" was found");
+    });
+    start_ = timerOf(kDiscoveryStartSeconds,
+                     [this] { failUnlessDiscoveryWorks(kDiscoveryStartSeconds); });
     const auto browser = RVFQMServerServiceBrowser::serviceBrowser();
     browser->startBrowsingWithServiceListChangedHandler(
         [self = shared_from_this()](const auto& added, const auto& /*removed*/,
@@ -77,6 +88,7 @@ class ServerSearch final : public std::enable_shared_from_this<ServerSearch> {
           if (changed && changed->isLoaded() && self->isWanted(*changed)) self->resolve(changed);
         });
     FindResult result = search_.run();
+    start_.reset();
     grace_.reset();
     browser->stop();
     return result;
@@ -87,11 +99,14 @@ class ServerSearch final : public std::enable_shared_from_this<ServerSearch> {
     return name_.empty() || server.name() == name_;
   }
 
+  void failUnlessDiscoveryWorks(double secondsOfSearch) {
+    const auto problem = discoveryProblem(secondsOfSearch);
+    if (problem) search_.fail(ExitCode::unavailable, *problem);
+  }
+
   /// A server whose record tells no demo flag is never loaded, but can be connected to.
   void resolveAfterGrace(const Ref<RVFQMServerService>& server) {
-    if (grace_) return;
-    grace_ = NSRunLoop::mainRunLoop()->scheduleTimer(
-        kGraceSeconds, {std::string(NSDefaultRunLoopMode)}, [this, server] { resolve(server); });
+    if (!grace_) grace_ = timerOf(kGraceSeconds, [this, server] { resolve(server); });
   }
 
   void resolve(const Ref<RVFQMServerService>& server) {
@@ -116,6 +131,7 @@ class ServerSearch final : public std::enable_shared_from_this<ServerSearch> {
   const std::string name_;
   const double timeoutSeconds_;
   Search search_;
+  std::unique_ptr<RunLoopSource> start_;
   std::unique_ptr<RunLoopSource> grace_;
   bool isResolving_ = false;
 };

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <cmath>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -18,6 +19,7 @@
 #include "tools/rvf/ExpiryCommand.h"
 #include "tools/rvf/ResolveCommand.h"
 #include "tools/rvf/SwipeCommand.h"
+#include "tools/terminal/CapableTerminal.h"
 #include "tools/terminal/DiscoveryOption.h"
 #include "tools/terminal/ExitCode.h"
 
@@ -36,7 +38,19 @@ constexpr const char* kFooter =
 /// https://no-color.org: any value that is not empty switches colour off.
 bool wantsColour() {
   const char* noColour = std::getenv("NO_COLOR");  // NOLINT(concurrency-mt-unsafe): one thread yet
-  return isatty(STDOUT_FILENO) == 1 && (!noColour || std::string_view(noColour).empty());
+  return isCapableTerminal(STDOUT_FILENO) && (!noColour || std::string_view(noColour).empty());
+}
+
+/// Refuses what no timer can wait for: text, less than nothing, infinity, no number.
+CLI::Validator isDuration() {
+  return {[](std::string& text) -> std::string {
+            char* end = nullptr;
+            const double seconds = std::strtod(text.c_str(), &end);
+            const bool isRead = end != text.c_str() && *end == '\0';
+            if (isRead && std::isfinite(seconds) && seconds >= 0) return {};
+            return "\"" + text + "\" is no number of seconds";
+          },
+          "SECONDS"};
 }
 
 void addBrowse(CLI::App& app, BrowseOptions& options, ExitCode& result) {
@@ -44,7 +58,7 @@ void addBrowse(CLI::App& app, BrowseOptions& options, ExitCode& result) {
       app.add_subcommand("browse", "List the servers of the network as they come and go");
   command->add_flag("--json", options.asJson, "One JSON object a line");
   command->add_option("--for", options.seconds, "Stop after this many seconds")
-      ->check(CLI::NonNegativeNumber);
+      ->check(isDuration());
   command->callback([&] { result = rvf::tool::browseCommand(options); });
 }
 
@@ -53,7 +67,7 @@ void addResolve(CLI::App& app, ConnectOptions& options, ExitCode& result) {
   command->add_option("NAME", options.name, "The server's name")->required();
   command->add_flag("--json", options.asJson, "Print a JSON object");
   command->add_option("--timeout", options.timeoutSeconds, "Seconds")
-      ->check(CLI::PositiveNumber)
+      ->check(isDuration() & CLI::PositiveNumber)
       ->capture_default_str();
   command->callback([&] {
     result = rvf::tool::resolveCommand(options.name, options.timeoutSeconds, options.asJson);
@@ -71,7 +85,7 @@ void addConnect(CLI::App& app, ConnectOptions& options, ExitCode& result) {
   command->add_option("--ca-file", options.authorityFile,
                       "Certificate authority to verify against (PEM); default: the system's");
   command->add_option("--timeout", options.timeoutSeconds, "Seconds to find the server")
-      ->check(CLI::PositiveNumber)
+      ->check(isDuration() & CLI::PositiveNumber)
       ->capture_default_str();
   command->add_flag("--json", options.asJson, "Print a JSON object");
   command->callback([&] { result = rvf::tool::connectCommand(options); });

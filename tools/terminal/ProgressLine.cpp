@@ -3,22 +3,17 @@
 
 #include <unistd.h>
 
-#include <cstdlib>
 #include <iostream>
-#include <string_view>
+
+#include "tools/terminal/CapableTerminal.h"
 
 namespace {
 
 constexpr std::chrono::milliseconds kInterval{100};
 
-bool isCapableTerminal() {
-  const char* kind = std::getenv("TERM");  // NOLINT(concurrency-mt-unsafe): nothing sets it here
-  return isatty(STDERR_FILENO) == 1 && kind && std::string_view(kind) != "dumb";
-}
-
 }  // namespace
 
-ProgressLine::ProgressLine() : isShown_(isCapableTerminal()) {}
+ProgressLine::ProgressLine() : isShown_(isCapableTerminal(STDERR_FILENO)) {}
 
 ProgressLine::~ProgressLine() {
   clear();

@@ -41,6 +41,8 @@ class EmbeddedStack final {
   void add(Client& client);
   void remove(Client& client);
 
+  /// False while it waits to start again.
+  bool isRunning() const noexcept { return server_ != nullptr; }
   /// The host that publications point to, "NAME.local", without a final dot.
   const std::string& hostName() const noexcept { return hostName_; }
 
