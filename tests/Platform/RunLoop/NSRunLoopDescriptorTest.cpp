@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
+#include <netinet/in.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <functional>
 #include <memory>
@@ -20,6 +23,7 @@
 namespace rvf {
 namespace {
 
+using std::chrono::seconds;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -154,6 +158,36 @@ TEST_F(NSRunLoopDescriptorTest, AReaderThatHasGoneIsAnErrorThatIsReportedAgainEv
   loop->turn();
   loop->turn();
   EXPECT_THAT(ran, ElementsAre("writable error", "writable error"));
+}
+
+/// A datagram socket whose peer has refused a message, so that an error is pending.
+int refusedSocket() {
+  sockaddr_in address{};
+  socklen_t length = sizeof address;
+  address.sin_family = AF_INET;
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  auto* const generic = reinterpret_cast<sockaddr*>(&address);
+  const int peer = ::socket(AF_INET, SOCK_DGRAM, 0);
+  EXPECT_EQ(::bind(peer, generic, length), 0);
+  EXPECT_EQ(::getsockname(peer, generic, &length), 0);
+  const int socket = ::socket(AF_INET, SOCK_DGRAM | SOCK_NONBLOCK, 0);
+  EXPECT_EQ(::connect(socket, generic, length), 0);
+  ::close(peer);
+  EXPECT_EQ(::send(socket, "x", 1, 0), 1);
+  return socket;
+}
+
+TEST_F(NSRunLoopDescriptorTest, APendingErrorIsReportedToAReaderAsAnErrorUntilItIsTaken) {
+  const int socket = refusedSocket();
+  auto watching = watch(socket, kReadable);
+  EXPECT_TRUE(loop->runMode(NSDefaultRunLoopMode, loop->clock()->now() + seconds(10)));
+  loop->turn();
+  EXPECT_THAT(ran, ElementsAre(testing::HasSubstr("error"), testing::HasSubstr("error")));
+  EXPECT_EQ(::send(socket, "x", 1, 0), -1);
+  EXPECT_EQ(errno, ECONNREFUSED);
+  EXPECT_FALSE(loop->turn());
+  watching.reset();
+  ::close(socket);
 }
 
 TEST_F(NSRunLoopDescriptorTest, APeerThatOnlyStoppedSendingDoesNotBusyAWriter) {

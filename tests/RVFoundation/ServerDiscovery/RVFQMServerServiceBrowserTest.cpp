@@ -3,7 +3,9 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/socket.h>
 
+#include "Platform/RunLoop/NSRunLoop.h"
 #include "Platform/Runtime/NSException.h"
 #include "tests/RVFoundation/ServerDiscovery/ScriptedDiscovery.h"
 
@@ -35,6 +37,11 @@ class RVFQMServerServiceBrowserTest : public ::testing::Test {
           last_ = added ? added : removed ? removed : changed;
         });
   }
+  /// Delivers what is queued on the run loop.
+  static void turn() {
+    while (NSRunLoop::currentRunLoop()->turn()) {
+    }
+  }
   void find(const Ref<NSNetService>& service, bool moreComing = false) {
     browser_->netServiceBrowserDidFindService(nullptr, service, moreComing);
   }
@@ -56,6 +63,39 @@ TEST_F(RVFQMServerServiceBrowserTest, SearchesTheConstantTypeWhateverTheProperty
   EXPECT_EQ(discovery_->browses[0]->identity.type, "_quillmarsh._tcp.");
   EXPECT_EQ(discovery_->browses[0]->identity.domain, "");
   EXPECT_EQ(browser_->serviceType(), "_other._tcp");
+}
+
+TEST_F(RVFQMServerServiceBrowserTest, ReportsWhatItsSearchFindsFromTheRunLoop) {
+  start();
+  const auto& search = discovery_->browses.at(0)->events;
+  const ServiceIdentity till{"Till", "_quillmarsh._tcp.", "local."};
+  const ServiceIdentity wide{"Till", "_quillmarsh._tcp.", "shop.example."};
+  search.found(till, {2, AF_INET});
+  search.found(till, {2, AF_INET6});
+  search.found(wide, {2, AF_INET});
+  EXPECT_THAT(reports_, IsEmpty());
+  turn();
+  EXPECT_THAT(reports_, ElementsAre("added", "changed"));
+  discovery_->watches.at(0)->events.updated({std::byte{6}, std::byte{'d'}, std::byte{'e'},
+                                             std::byte{'m'}, std::byte{'o'}, std::byte{'='},
+                                             std::byte{'1'}});
+  turn();
+  EXPECT_TRUE(last_->isDemo());
+  search.removed(till, {2, AF_INET});
+  search.removed(wide, {2, AF_INET});
+  search.removed(till, {2, AF_INET6});
+  turn();
+  EXPECT_THAT(reports_, ElementsAre("added", "changed", "changed", "changed", "removed"));
+  EXPECT_THAT(browser_->services(), IsEmpty());
+}
+
+TEST_F(RVFQMServerServiceBrowserTest, HearsNothingMoreOfItsSearchAfterStop) {
+  start();
+  discovery_->browses.at(0)->events.found({"Till", "_quillmarsh._tcp.", "local."}, {2, AF_INET});
+  browser_->stop();
+  turn();
+  EXPECT_THAT(reports_, IsEmpty());
+  EXPECT_FALSE(discovery_->browses[0]->isActive);
 }
 
 TEST_F(RVFQMServerServiceBrowserTest, GroupsRegistrationsByName) {

@@ -7,12 +7,14 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <numeric>
 #include <random>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include "Platform/Text/Utf8.h"
 #include "RVFoundation/CoreServices/RVFErrors.h"
 #include "RVFoundation/Streaming/RVFStreamedDecompressor.h"
 #include "RVFoundation/Streaming/RVFStreamedSAXParser.h"
@@ -135,6 +137,59 @@ TEST(StreamedAnswer, CutOnceAtEveryBoundaryOfAShortAnswerGivesTheSameCalls) {
     for (std::size_t cut = 1; cut < answer.bytes.size(); ++cut) {
       ASSERT_EQ(digestWithCuts(answer.form, answer.bytes, {cut}), whole) << answer.name << cut;
     }
+  }
+}
+
+constexpr std::string_view kUtf8Declaration = "<?xml version='1.0' encoding='UTF-8'?>";
+
+/// A document of characters up to U+00FF in ISO-8859-1, and says so.
+std::string inLatin1(std::string_view xml) {
+  std::string bytes = "<?xml version='1.0' encoding='ISO-8859-1'?>";
+  xml.remove_prefix(kUtf8Declaration.size());
+  while (!xml.empty()) {
+    const Utf8Unit unit = firstUtf8Unit(xml);
+    bytes += static_cast<char>(unit.codePoint);
+    xml.remove_prefix(unit.length);
+  }
+  return bytes;
+}
+
+/// The same in UTF-16 with a byte order mark, which needs no declaration.
+std::string inUtf16(std::string_view xml, bool isBigEndian) {
+  std::string bytes;
+  const auto append = [&](char32_t unit) {
+    const char high = static_cast<char>(unit >> 8);
+    const char low = static_cast<char>(unit & 0xFF);
+    bytes += isBigEndian ? high : low;
+    bytes += isBigEndian ? low : high;
+  };
+  append(0xFEFF);
+  xml.remove_prefix(kUtf8Declaration.size());
+  while (!xml.empty()) {
+    const Utf8Unit unit = firstUtf8Unit(xml);
+    append(unit.codePoint);
+    xml.remove_prefix(unit.length);
+  }
+  return bytes;
+}
+
+TEST(StreamedAnswer, OfAnotherEncodingCutOnceAtEveryBoundaryGivesTheSameCalls) {
+  const std::string xml = catalogue(1000);
+  const std::uint64_t whole = digestWithCuts(Passage::Form::kPlain, xml, {});
+  ASSERT_NE(whole, 0U);
+  const std::pair<const char*, std::string> rows[] = {
+      {"ISO-8859-1", inLatin1(xml)},
+      {"UTF-16LE", inUtf16(xml, false)},
+      {"UTF-16BE", inUtf16(xml, true)},
+  };
+  for (const auto& [name, bytes] : rows) {
+    ASSERT_EQ(digestWithCuts(Passage::Form::kPlain, bytes, {}), whole) << name;
+    for (std::size_t cut = 1; cut < bytes.size(); ++cut) {
+      ASSERT_EQ(digestWithCuts(Passage::Form::kPlain, bytes, {cut}), whole) << name << cut;
+    }
+    std::vector<std::size_t> everywhere(bytes.size());
+    std::iota(everywhere.begin(), everywhere.end(), std::size_t{0});
+    ASSERT_EQ(digestWithCuts(Passage::Form::kPlain, bytes, everywhere), whole) << name;
   }
 }
 
