@@ -37,13 +37,14 @@ TEST(EmbeddedStack, StartsAsSoonAsThePortThatAnotherProgramHeldIsFree) {
 
 TEST(EmbeddedStack, LivesBesideADaemonAndOtherStacksWithoutConflict) {
   TwoHosts hosts;
-  hosts.here.startDaemon();
   Probe first(hosts.here, Backend::embedded);
+  first.publish("till", "Till 1", kType, 4711);
+  first.waitFor({{"event", "published"}});
+  hosts.here.startDaemon();  // would never be complete over a conflict
   Probe second(hosts.here, Backend::embedded);
   Probe third(hosts.here, Backend::daemon);
   Probe seeker(hosts.there, Backend::embedded);
   seeker.browse(kType);
-  first.publish("till", "Till 1", kType, 4711);
   second.publish("till", "Till 2", kType, 4712);
   third.publish("till", "Till 3", kType, 4713);
   for (const char* name : {"Till 1", "Till 2", "Till 3"}) {
