@@ -10,6 +10,11 @@ TwoHosts::TwoHosts(Backend ofHere, Backend ofThere) : TwoHosts() {
   if (ofThere == Backend::daemon) there.awaitDaemon();
 }
 
+void PairTest::awaitArrival(Probe& publisher, const std::string& name) {
+  publisher.publish(name, name, kType, 4799);
+  seeker_.waitFor({{"event", "found"}, {"name", name}});
+}
+
 std::string nameOfPair(const testing::TestParamInfo<BackendPair>& info) {
   return nameOf(info.param.publisher) + "To" + nameOf(info.param.seeker);
 }

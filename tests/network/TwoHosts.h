@@ -35,6 +35,11 @@ class PairTest : public testing::TestWithParam<BackendPair> {
  protected:
   static constexpr const char* kType = "_rvf-test._tcp";
 
+  /// Returns when everything that this publisher announced before has arrived on every link: when
+  /// the seeker, which browses, has found another publication of this name. Announcements are
+  /// put off by up to an eighth of a second, probing takes three quarters.
+  void awaitArrival(Probe& publisher, const std::string& name);
+
   TwoHosts hosts_{GetParam().publisher, GetParam().seeker};
   Probe publisher_{hosts_.here, GetParam().publisher};
   Probe seeker_{hosts_.there, GetParam().seeker};
