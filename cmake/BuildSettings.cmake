@@ -32,7 +32,3 @@ if(RVF_SANITIZE)
                                                  -fno-sanitize-recover=all)
   target_link_options(BuildSettings INTERFACE -fsanitize=${RVF_SANITIZE})
 endif()
-if(RVF_BUILD_FUZZERS)
-  # Coverage that the fuzz targets steer by; the engine itself is linked into them only.
-  target_compile_options(BuildSettings INTERFACE -fsanitize=fuzzer-no-link)
-endif()
