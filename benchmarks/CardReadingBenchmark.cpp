@@ -14,36 +14,14 @@
 #include <array>
 #include <boost/xpressive/xpressive_static.hpp>
 #include <cstdint>
-#include <cstdlib>
 #include <limits>
-#include <new>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "RVFoundation/CardReading/RVFMagneticCardParser.h"
-
-namespace {
-
-std::uint64_t allocationCount = 0;
-
-}  // namespace
-
-void* operator new(std::size_t size) {
-  ++allocationCount;
-  void* const block = std::malloc(size == 0 ? 1 : size);
-  if (!block) throw std::bad_alloc();
-  return block;
-}
-
-void operator delete(void* block) noexcept {
-  std::free(block);
-}
-
-void operator delete(void* block, std::size_t) noexcept {
-  std::free(block);
-}
+#include "benchmarks/AllocationCount.h"
 
 namespace rvf {
 namespace {
@@ -200,17 +178,20 @@ OwnedCard matchWithRE2(const std::string& swipe) {
 
 // Xpressive, with patterns that the compiler sees.
 
-struct XpressivePatterns {
-  static auto but(char separator) { return ~(xpressive::set = '?', separator); }
+/// Any byte but the end of a segment and the separator.
+auto but(char separator) {
+  return boost::proto::deep_copy(~(xpressive::set = '?', separator));
+}
 
+struct XpressivePatterns {
   const xpressive::cregex track1 = *xpressive::_s >> "%B" >>
                                    (xpressive::s1 = xpressive::repeat<0, 19>(but('^'))) >> '^' >>
                                    (xpressive::s2 = xpressive::repeat<2, 26>(but('^'))) >> '^' >>
                                    (xpressive::s3 = !xpressive::repeat<4>(xpressive::_d)) >>
-                                   *~(xpressive::set = '?', '?') >> '?';
+                                   *but('?') >> '?';
   const xpressive::cregex track2 = *xpressive::_s >> ';' >>
                                    (xpressive::s1 = xpressive::repeat<1, 20>(but('='))) >>
-                                   !('=' >> *~(xpressive::set = '?', '?')) >> '?';
+                                   !('=' >> *but('?')) >> '?';
   const xpressive::cregex block = *xpressive::_s >> '|' >> (xpressive::s1 = *but('|')) >> '|' >>
                                   *but('|') >> '|' >> (xpressive::s2 = *but('|')) >> '|' >>
                                   *but('|') >> '|' >> *but('|') >> '|' >>
@@ -360,12 +341,12 @@ struct Contender {
 
   template <class Read>
   double round(Read read) {
-    const std::uint64_t allocationsBefore = allocationCount;
+    const std::uint64_t allocationsBefore = allocationCount();
     const double start = processorSeconds();
     for (const std::string& swipe : swipes())
       benchmark::DoNotOptimize(read(swipe));
     const double seconds = processorSeconds() - start;
-    allocations = allocationCount - allocationsBefore;
+    allocations = allocationCount() - allocationsBefore;
     fastestRound = std::min(fastestRound, seconds);
     return seconds;
   }
