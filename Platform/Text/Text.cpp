@@ -21,7 +21,7 @@ bool isValidUtf8(std::string_view bytes) noexcept {
 
 namespace {
 
-/// The number of ASCII bytes at the start, or a few less.
+/// The number of ASCII bytes at the start.
 std::size_t asciiPrefixLength(std::string_view text) noexcept {
   constexpr std::uint64_t kHighBits = 0x8080808080808080;
   std::size_t length = 0;
@@ -29,6 +29,8 @@ std::size_t asciiPrefixLength(std::string_view text) noexcept {
     std::memcpy(&word, text.data() + length, sizeof word);
     if (word & kHighBits) break;
   }
+  while (length < text.size() && isAscii(text[length]))
+    ++length;
   return length;
 }
 
@@ -64,6 +66,11 @@ std::size_t utf16Length(std::string_view text) noexcept {
 
 std::string_view substringUtf16(std::string_view text, std::size_t start,
                                 std::size_t length) noexcept {
+  const std::size_t end = length < text.size() ? start + length : text.size();
+  const std::string_view upToEnd = text.substr(0, end);
+  if (asciiPrefixLength(upToEnd) == upToEnd.size()) {
+    return upToEnd.substr(std::min(start, upToEnd.size()));
+  }
   const bool startsInsideCharacter = removeUtf16Prefix(text, start) > start;
   if (startsInsideCharacter && length > 0) --length;
   std::string_view rest = text;
@@ -146,16 +153,6 @@ std::string joinText(const std::vector<std::string_view>& pieces, std::string_vi
   for (std::size_t i = 0; i < pieces.size(); ++i) {
     if (i > 0) text += separator;
     text += pieces[i];
-  }
-  return text;
-}
-
-std::string_view trimText(std::string_view text, CharacterSet set) noexcept {
-  text = withoutPrefix(text, set);
-  while (!text.empty()) {
-    const Utf8Unit unit = lastUtf8Unit(text);
-    if (!set(unit.codePoint)) break;
-    text.remove_suffix(unit.length);
   }
   return text;
 }

@@ -26,6 +26,18 @@ RVF_EXPORT std::string wellFormedUtf8(std::string_view bytes);
 /// The length in UTF-16 code units: "€" is 1, "😀" is 2.
 RVF_EXPORT std::size_t utf16Length(std::string_view text) noexcept;
 
+/// Whether the length in UTF-16 code units lies in these limits, both included. Counts only where
+/// the number of bytes does not tell: a unit takes one to three.
+inline bool isUtf16LengthBetween(std::string_view text, std::size_t shortest,
+                                 std::size_t longest) noexcept {
+  const std::size_t most = text.size();
+  const std::size_t least = most / 3 + (most % 3 != 0 ? 1 : 0);
+  if (most < shortest || least > longest) return false;
+  if (least >= shortest && most <= longest) return true;
+  const std::size_t length = utf16Length(text);
+  return length >= shortest && length <= longest;
+}
+
 /// Up to `length` UTF-16 code units from the unit `start` on, fewer where the text ends before. A
 /// character that the cut halves is left out. The result points into `text`.
 RVF_EXPORT std::string_view substringUtf16(std::string_view text, std::size_t start,
@@ -72,7 +84,9 @@ RVF_EXPORT std::string joinText(const std::vector<std::string_view>& pieces,
                                 std::string_view separator);
 
 /// The text without the characters of the set at both ends. The result points into `text`.
-RVF_EXPORT std::string_view trimText(std::string_view text, CharacterSet set) noexcept;
+inline std::string_view trimText(std::string_view text, CharacterSet set) noexcept {
+  return withoutSuffix(withoutPrefix(text, set), set);
+}
 
 /// The integer reading of a text: leading white space and line breaks, an optional "+" or "-", then
 /// ASCII digits; what follows is ignored. 0 without digits; the nearest limit if out of range.

@@ -32,9 +32,8 @@ constexpr Form formOf(unsigned char lead) noexcept {
 
 }  // namespace
 
-Utf8Unit firstUtf8Unit(std::string_view text) noexcept {
+Utf8Unit detail::decodeFirstUtf8Unit(std::string_view text) noexcept {
   const auto lead = static_cast<unsigned char>(text.front());
-  if (lead < 0x80) return {lead, 1, true};
   const Form form = formOf(lead);
   if (form.length == 0 || text.size() < form.length) return kIllFormed;
   const auto second = static_cast<unsigned char>(text[1]);
@@ -47,7 +46,7 @@ Utf8Unit firstUtf8Unit(std::string_view text) noexcept {
   return {codePoint, form.length, true};
 }
 
-Utf8Unit lastUtf8Unit(std::string_view text) noexcept {
+Utf8Unit detail::decodeLastUtf8Unit(std::string_view text) noexcept {
   constexpr std::size_t kLongest = 4;
   const std::size_t longest = std::min(kLongest, text.size());
   std::size_t length = 1;
@@ -57,10 +56,8 @@ Utf8Unit lastUtf8Unit(std::string_view text) noexcept {
   return unit.length == length ? unit : kIllFormed;
 }
 
-bool isWhiteSpace(char32_t codePoint) noexcept {
+bool detail::isWideWhiteSpace(char32_t codePoint) noexcept {
   switch (codePoint) {
-    case 0x09:
-    case 0x20:
     case 0xA0:
     case 0x1680:
     case 0x202F:
@@ -72,22 +69,8 @@ bool isWhiteSpace(char32_t codePoint) noexcept {
   }
 }
 
-bool isNewline(char32_t codePoint) noexcept {
-  return (codePoint >= 0x0A && codePoint <= 0x0D) || codePoint == 0x85 || codePoint == 0x2028 ||
-         codePoint == 0x2029;
-}
-
 bool isDecimalDigit(char32_t codePoint) noexcept {
   return u_isdigit(static_cast<UChar32>(codePoint)) != 0;
-}
-
-std::string_view withoutPrefix(std::string_view text, CharacterSet set) noexcept {
-  while (!text.empty()) {
-    const Utf8Unit unit = firstUtf8Unit(text);
-    if (!set(unit.codePoint)) break;
-    text.remove_prefix(unit.length);
-  }
-  return text;
 }
 
 }  // namespace rvf

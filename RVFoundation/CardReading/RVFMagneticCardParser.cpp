@@ -41,17 +41,6 @@ enum EncryptedField : std::size_t {
   kEncryptedFieldCount = 12,
 };
 
-bool hasLength(std::string_view text, std::size_t shortest, std::size_t longest) {
-  const std::size_t length = utf16Length(text);
-  return length >= shortest && length <= longest;
-}
-
-/// The number in two units of an expiry. A unit that is half a character is no digit.
-std::int32_t twoUnitNumber(std::string_view field, std::size_t start) {
-  const bool startsInsideCharacter = utf16Length(substringUtf16(field, 0, start)) != start;
-  return startsInsideCharacter ? 0 : intValueOfText(substringUtf16(field, start, 2));
-}
-
 /// The fields of a block with as many as it has to have, else absent.
 std::optional<std::array<std::string_view, kEncryptedFieldCount>> encryptedFields(
     std::string_view body) {
@@ -207,11 +196,12 @@ bool RVFMagneticCardParser::parseTrack1(std::string_view body, bool requiringVal
   TextPieces fields(body, kTrack1Separator);
   const std::string_view account = fields.next().value_or("");
   const auto name = fields.next();
-  if (!name || !hasLength(account, 1, kLongestAccountField) || account.front() != kFormatCode) {
+  if (!name || !isUtf16LengthBetween(account, 1, kLongestAccountField) ||
+      account.front() != kFormatCode) {
     return false;
   }
   setAccountNumber(account.substr(1));
-  if (requiringValidName && !hasLength(*name, kShortestName, kLongestName)) return false;
+  if (requiringValidName && !isUtf16LengthBetween(*name, kShortestName, kLongestName)) return false;
   setCardholderName(*name);
   const auto expiration = fields.next();
   if (!expiration) NSException::raise(NSRangeException, "index 2 beyond bounds [0 .. 1]");
@@ -220,17 +210,19 @@ bool RVFMagneticCardParser::parseTrack1(std::string_view body, bool requiringVal
 }
 
 void RVFMagneticCardParser::readExpiration(std::string_view field) {
-  constexpr std::size_t kYear = 0;
-  constexpr std::size_t kMonth = 2;
-  constexpr std::size_t kEnd = 4;
-  if (utf16Length(field) < kEnd) return;
-  setExpirationYear(twoUnitNumber(field, kYear) + kCentury);
-  setExpirationMonth(twoUnitNumber(field, kMonth));
+  constexpr std::size_t kPartLength = 2;
+  if (!isUtf16LengthBetween(field, 2 * kPartLength, std::string_view::npos)) return;
+  const std::string_view year = substringUtf16(field, 0, kPartLength);
+  const std::string_view month = substringUtf16(field, kPartLength, kPartLength);
+  // A character across the border leaves half of it, which is no digit, before the month.
+  const bool isMonthWhole = isUtf16LengthBetween(year, kPartLength, kPartLength);
+  setExpirationYear(intValueOfText(year) + kCentury);
+  setExpirationMonth(isMonthWhole ? intValueOfText(month) : 0);
 }
 
 bool RVFMagneticCardParser::parseTrack2(std::string_view body) {
   const std::string_view account = TextPieces(body, kTrack2Separator).next().value_or("");
-  if (!hasLength(account, 1, kLongestAccountField)) return false;
+  if (!isUtf16LengthBetween(account, 1, kLongestAccountField)) return false;
   setAccountNumber(account);
   return true;
 }

@@ -107,6 +107,22 @@ TEST(Text, SplitsAtEverySeparatorAndKeepsEmptyPieces) {
               ElementsAre("a", "b"));
 }
 
+TEST(Text, LimitsOfALengthAreThoseOfTheCount) {
+  EXPECT_TRUE(rc::check([] {
+    const std::string text = *anyBytes();
+    const auto shortest = *rc::gen::inRange<std::size_t>(0, 12);
+    const auto longest = *rc::gen::inRange<std::size_t>(0, 12);
+    const std::size_t length = utf16Length(text);
+    const bool isBetween = length >= shortest && length <= longest;
+    RC_ASSERT(isUtf16LengthBetween(text, shortest, longest) == isBetween);
+    RC_ASSERT(isUtf16LengthBetween(text, shortest, std::string_view::npos) == (length >= shortest));
+  }));
+  EXPECT_TRUE(isUtf16LengthBetween("€€", 2, 2));
+  EXPECT_FALSE(isUtf16LengthBetween("€", 2, 26));
+  EXPECT_TRUE(isUtf16LengthBetween("😀", 2, 2));
+  EXPECT_TRUE(isUtf16LengthBetween("", 0, 0));
+}
+
 TEST(Text, CutsAtUtf16Units) {
   struct Row {
     std::string text;

@@ -137,6 +137,16 @@ TEST_F(CardWipingTest, ATextThatKeepsAPartOfItselfIsWiped) {
   expectNothingIsLeft();
 }
 
+TEST_F(CardWipingTest, AParseAllocatesTheParserAndWhatItKeepsOnly) {
+  const MemoryArena arena;
+  const auto clear = RVFCreditCardParser::cardParserForTrackData(
+      "%B4111111111111111^DOE/JOHN^1512101?;5500000000000004=1512101?");
+  constexpr std::size_t kClear = 1 + 3;  // the parser; swipe, number, name
+  EXPECT_EQ(MemoryArena::blockCount(), kClear);
+  const auto whole = RVFCreditCardParser::cardParserForTrackData(kSwipe);
+  EXPECT_EQ(MemoryArena::blockCount(), kClear + kClear + 1 + 4);  // a record and its texts
+}
+
 /// Replaces the swipe while it is parsed.
 class ForgetfulParser final : public RVFMagneticCardParser {
  public:

@@ -14,6 +14,7 @@ constexpr std::size_t kCapacity = 16U << 20;
 alignas(std::max_align_t) std::array<std::byte, kCapacity> arena;
 std::size_t usedBytes = 0;
 std::size_t startOfScope = 0;
+std::size_t blocksInScope = 0;
 thread_local bool isActive = false;
 
 bool isInArena(const void* block) {
@@ -30,6 +31,7 @@ void* allocateInArena(std::size_t size) {
   }
   void* const block = arena.data() + usedBytes;
   usedBytes += room;
+  ++blocksInScope;
   return block;
 }
 
@@ -53,6 +55,7 @@ namespace rvf {
 
 MemoryArena::MemoryArena() {
   startOfScope = usedBytes;
+  blocksInScope = 0;
   isActive = true;
 }
 
@@ -63,6 +66,10 @@ MemoryArena::~MemoryArena() {
 bool MemoryArena::contains(std::string_view bytes) {
   const std::string_view used(reinterpret_cast<const char*>(arena.data()), usedBytes);
   return used.substr(startOfScope).find(bytes) != std::string_view::npos;
+}
+
+std::size_t MemoryArena::blockCount() {
+  return blocksInScope;
 }
 
 }  // namespace rvf

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <cstddef>
 #include <string_view>
 
 namespace rvf {
@@ -17,6 +18,8 @@ class MemoryArena final {
 
   /// Whether these bytes stand anywhere in what was allocated since the last one was made.
   static bool contains(std::string_view bytes);
+  /// How many blocks were allocated since then.
+  static std::size_t blockCount();
 };
 
 }  // namespace rvf
