@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <limits>
+#include <new>
 #include <span>
 #include <string>
 #include <utility>
@@ -131,10 +132,21 @@ Ref<NSData> RVFStreamedDecompressor::decompressChunk(const Ref<NSData>& chunk,
     report(error, RVFEmptyChunkError);
     return chunk;
   }
-  Stream& stream = *strm_;
-  setInput(stream.record, *chunk);
+  setInput(strm_->record, *chunk);
   decompressionStarted_ = true;
-  const std::size_t leastRoom = chunk->length();
+  try {
+    return inflated(chunk->length(), error);
+  } catch (const std::bad_alloc&) {
+    // What zlib has read of the chunk is lost: what follows must not be taken for its content.
+    inflateEnd(&strm_->record);
+    report(error, RVFCorruptStreamError);
+    return nullptr;
+  }
+}
+
+/// What the input gives; `leastRoom` bytes are offered to every call of zlib.
+Ref<NSData> RVFStreamedDecompressor::inflated(std::size_t leastRoom, Ref<NSError>* error) {
+  Stream& stream = *strm_;
   Accumulator accumulator(std::max(leastRoom, expectedLength_));
   int result = Z_OK;
   do {
@@ -155,13 +167,14 @@ Ref<NSData> RVFStreamedDecompressor::decompressChunk(const Ref<NSData>& chunk,
         accumulator.append(count);
     }
   } while (stream.record.avail_out == 0);
+  // The next chunk probably holds as much; with some spare room, one call finds its end.
+  expectedLength_ = accumulator.length() + accumulator.length() / 4 + leastRoom;
+  auto data = std::move(accumulator).data();
   if (result == Z_STREAM_END) {
     decompressionComplete_ = true;
     inflateEnd(&stream.record);
   }
-  // The next chunk probably holds as much; with some spare room, one call finds its end.
-  expectedLength_ = accumulator.length() + accumulator.length() / 4 + leastRoom;
-  return std::move(accumulator).data();
+  return data;
 }
 
 bool RVFStreamedDecompressor::completeDecompressionUsingError(Ref<NSError>* error) {

@@ -14,6 +14,7 @@
 #include "RVFoundation/CoreServices/RVFErrors.h"
 #include "RVFoundation/CoreServices/RVFLibraryBundle.h"
 #include "tests/RVFoundation/Streaming/CompressedBytes.h"
+#include "tests/RVFoundation/Streaming/HeapUse.h"
 
 namespace rvf {
 namespace {
@@ -138,6 +139,23 @@ TEST(RVFStreamedDecompressor, ChunkAfterAFailureFindsTheStateInconsistent) {
   Ref<NSError> error;
   EXPECT_EQ(decompressor->decompressChunk(dataOf(compressedBytes("fine")), &error), nullptr);
   expectOwnError(error, RVFInconsistentStreamStateError);
+}
+
+TEST(RVFStreamedDecompressor, WhereMemoryRunsOutTheAnswerIsLostAndNotContinuedWithAGap) {
+  const std::string bytes = compressedBytes(std::string(5'000'000, 'x'));
+  const auto first = dataOf(bytes.substr(0, bytes.size() / 2));
+  const auto second = dataOf(bytes.substr(bytes.size() / 2));
+  const auto decompressor = RVFStreamedDecompressor::init();
+  Ref<NSError> error;
+  {
+    const test::ScarceMemory scarce(100'000);
+    EXPECT_EQ(decompressor->decompressChunk(first, &error), nullptr);
+  }
+  expectOwnError(error, RVFCorruptStreamError);
+  EXPECT_EQ(decompressor->decompressChunk(second, &error), nullptr);
+  expectOwnError(error, RVFInconsistentStreamStateError);
+  EXPECT_FALSE(decompressor->completeDecompressionUsingError(&error));
+  expectOwnError(error, RVFIncompleteStreamError);
 }
 
 TEST(RVFStreamedDecompressor, CompletionTellsHowFarTheStreamCame) {
