@@ -88,12 +88,13 @@ void NSNetServiceBrowser::Core::refuse(NSNetServicesError error,
 void NSNetServiceBrowser::Core::search(std::string_view type, std::string_view domain) {
   if (isSearching_) return refuse(NSNetServicesError::activityInProgress);
   if (!isServiceType(type)) return refuse(NSNetServicesError::badArgument);
+  auto backend = ServiceDiscovery::backendOfThisThread();
+  activity_ = backend->browse(withFinalDot(type), withFinalDot(domain), events());
+  backend_ = std::move(backend);  // only now, because starting may throw
   isSearching_ = true;
   deliver(kSearchTopic, [](auto& target, const auto& browser, bool) {
     target.netServiceBrowserWillSearch(browser);
   });
-  backend_ = ServiceDiscovery::backendOfThisThread();
-  activity_ = backend_->browse(withFinalDot(type), withFinalDot(domain), events());
 }
 
 BrowseEvents NSNetServiceBrowser::Core::events() {

@@ -53,21 +53,28 @@ void NSNetService::Core::resolve(double timeoutSeconds) {
   if (identity.name.empty() || !isValidUtf8(identity.name) || !isServiceType(identity.type)) {
     return refuse(NSNetServicesError::badArgument, Operation::resolving);
   }
-  operation_ = Operation::resolving;
-  addresses.clear();
-  growthIsQueued_ = false;
-  deliver(kOperationTopic,
-          [](auto& target, const auto& service) { target.netServiceWillResolve(service); });
-  operationBackend_ = ServiceDiscovery::backendOfThisThread();
-  resolution_ = operationBackend_->resolve(
+  auto backend = ServiceDiscovery::backendOfThisThread();
+  resolution_ = backend->resolve(
       identity,
       {[this](const std::string& host, std::uint16_t foundPort) { located(host, foundPort); },
        [this](const SocketAddressBytes& address) { addressFound(address); },
        [this](NSNetServicesError error) { endResolving(error); }});
+  beginOperation(Operation::resolving, std::move(backend));
+  addresses.clear();
+  growthIsQueued_ = false;
+  deliver(kOperationTopic,
+          [](auto& target, const auto& service) { target.netServiceWillResolve(service); });
   if (timeoutSeconds <= 0) return;
   timeout_ = NSRunLoop::currentRunLoop()->scheduleTimer(
       timeoutSeconds, {std::string(NSRunLoopCommonModes)},
       [this] { endResolving(NSNetServicesError::timeout); });
+}
+
+/// Once its activity has been made, because that may throw.
+void NSNetService::Core::beginOperation(Operation operation,
+                                        std::shared_ptr<ServiceDiscoveryBackend> backend) {
+  operation_ = operation;
+  operationBackend_ = std::move(backend);
 }
 
 void NSNetService::Core::located(const std::string& host, std::uint16_t foundPort) {
@@ -142,15 +149,15 @@ void NSNetService::Core::publish() {
   if (!port || !isValidUtf8(identity.name) || !isServiceType(identity.type)) {
     return refuse(NSNetServicesError::badArgument, Operation::publishing);
   }
-  operation_ = Operation::publishing;
-  deliver(kOperationTopic,
-          [](auto& target, const auto& service) { target.netServiceWillPublish(service); });
-  operationBackend_ = ServiceDiscovery::backendOfThisThread();
+  auto backend = ServiceDiscovery::backendOfThisThread();
   publication_ = std::make_unique<ServicePublication>(
-      operationBackend_, publicationWanted(),
+      backend, publicationWanted(),
       ServicePublication::Events{
           [this](const std::string& name) { published(name); },
           [this](NSNetServicesError error) { endOperation(error, Operation::publishing); }});
+  beginOperation(Operation::publishing, std::move(backend));
+  deliver(kOperationTopic,
+          [](auto& target, const auto& service) { target.netServiceWillPublish(service); });
 }
 
 void NSNetService::Core::published(const std::string& name) {

@@ -52,6 +52,7 @@ class NSNetService::Core final {
   void located(const std::string& host, std::uint16_t foundPort);
   void addressFound(const SocketAddressBytes& address);
   void endResolving(NSNetServicesError error);
+  void beginOperation(Operation operation, std::shared_ptr<ServiceDiscoveryBackend> backend);
   void endOperation(NSNetServicesError error, Operation failed);
   void published(const std::string& name);
   void recordUpdated(std::vector<std::byte> record);

@@ -4,6 +4,8 @@
 #include <gmock/gmock.h>
 
 #include <functional>
+#include <memory>
+#include <stdexcept>
 
 #include "Platform/Network/NSNetServicesError.h"
 #include "Platform/RunLoop/NSRunLoop.h"
@@ -188,6 +190,19 @@ TEST_F(BrowserTest, AFailureOfTheBackEndEndsTheSearch) {
   EXPECT_THAT(script_.browses, IsEmpty());
   search();
   EXPECT_EQ(script_.browses.size(), 1U);
+}
+
+TEST_F(BrowserTest, ASearchThatCouldNotBeStartedIsNotUnderWay) {
+  ServiceDiscovery::setFactory([]() -> std::unique_ptr<ServiceDiscoveryBackend> {
+    throw std::runtime_error("no descriptors");
+  });
+  EXPECT_THROW(browser_->searchForServicesOfType("_till._tcp", ""), std::runtime_error);
+  EXPECT_THAT(settledLog(), IsEmpty());
+  const Script script;
+  browser_->searchForServicesOfType("_till._tcp", "");
+  EXPECT_THAT(settledLog(), ElementsAre("will"));
+  EXPECT_EQ(script.browses.size(), 1U);
+  browser_->stop();
 }
 
 TEST_F(BrowserTest, StopBeforeAFailureWasReportedReportsTheStopInItsPlace) {

@@ -6,6 +6,8 @@
 
 #include <chrono>
 #include <functional>
+#include <memory>
+#include <stdexcept>
 
 #include "Platform/Network/NSNetServicesError.h"
 #include "Platform/Network/SocketAddress.h"
@@ -190,6 +192,23 @@ TEST_F(NetServiceTest, AFailureOfTheBackEndIsReported) {
   resolve(5);
   resolution().fire(&ResolveEvents::failed, NSNetServicesError::notFound);
   EXPECT_THAT(settledLog(), ElementsAre("will resolve", "not resolved -72002"));
+}
+
+TEST_F(NetServiceTest, AnOperationThatCouldNotBeStartedIsNotUnderWay) {
+  ServiceDiscovery::setFactory([]() -> std::unique_ptr<ServiceDiscoveryBackend> {
+    throw std::runtime_error("no descriptors");
+  });
+  EXPECT_THROW(service_->resolveWithTimeout(5), std::runtime_error);
+  const auto published = NSNetService::initWithDomain("", "_till._tcp", "Till", 80);
+  published->setDelegate(observer_);
+  EXPECT_THROW(published->publish(), std::runtime_error);
+  EXPECT_THAT(settledLog(), IsEmpty());
+  const Script script;
+  service_->resolveWithTimeout(0);
+  published->publish();
+  EXPECT_THAT(settledLog(), ElementsAre("will resolve", "will publish"));
+  service_->stop();
+  published->stop();
 }
 
 TEST_F(NetServiceTest, ANamelessServiceCannotBeResolved) {
