@@ -18,16 +18,26 @@ constinit thread_local std::size_t largestBlockNow = kAnySize;
 
 }  // namespace
 
-// Replaced for the whole program, as the language allows; the forms for arrays call these.
+// Replaced for the whole program, as the language allows. The forms for arrays call these unless a
+// sanitizer brings its own.
 void* operator new(std::size_t size) {
   void* const block = size > largestBlockNow ? nullptr : std::malloc(size > 0 ? size : 1);
   if (!block) throw std::bad_alloc();
   return block;
 }
+void* operator new[](std::size_t size) {
+  return operator new(size);
+}
 void operator delete(void* block) noexcept {
   std::free(block);
 }
 void operator delete(void* block, std::size_t) noexcept {
+  std::free(block);
+}
+void operator delete[](void* block) noexcept {
+  std::free(block);
+}
+void operator delete[](void* block, std::size_t) noexcept {
   std::free(block);
 }
 
