@@ -64,7 +64,7 @@ void NSNetService::Core::resolve(double timeoutSeconds) {
   growthIsQueued_ = false;
   deliver(kOperationTopic,
           [](auto& target, const auto& service) { target.netServiceWillResolve(service); });
-  if (timeoutSeconds <= 0) return;
+  if (!(timeoutSeconds > 0)) return;
   timeout_ = NSRunLoop::currentRunLoop()->scheduleTimer(
       timeoutSeconds, {std::string(NSRunLoopCommonModes)},
       [this] { endResolving(NSNetServicesError::timeout); });

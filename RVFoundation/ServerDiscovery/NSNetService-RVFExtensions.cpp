@@ -16,8 +16,11 @@ void RVF_resolveWithTimeout(const Ref<NSNetService>& service, double timeoutSeco
   const auto resolver = std::make_shared<RVFNetServiceResolver>();
   service->setDelegate(resolver);
   resolver->setPrivateCompletion(
-      [resolver, service, completion = std::move(usingCompletion)](
-          const Ref<NSNetService>& resolved, const Ref<NSError>& error, bool wasStopped) {
+      [resolver, service, completion = std::move(usingCompletion),
+       hasRun = std::make_shared<bool>(false)](const Ref<NSNetService>& resolved,
+                                               const Ref<NSError>& error, bool wasStopped) {
+        // The completion may itself stop the registration, which is told here as well.
+        if (std::exchange(*hasRun, true)) return;
         resolver->setPrivateService(resolved);
         const ScopeExit done([&resolver, &resolved] {
           resolved->setDelegate({});

@@ -35,8 +35,14 @@ Class RVFNetServiceResolver::classObject() {
           .property("privateService", "T@\"NSNetService\",&,N,V_privateService")
           .ivar<&RVFNetServiceResolver::privateCompletion_>("_privateCompletion")
           .ivar<&RVFNetServiceResolver::privateService_>("_privateService")
+          .method<&RVFNetServiceResolver::privateCompletion>("privateCompletion")
+          .method<&RVFNetServiceResolver::setPrivateCompletion>("setPrivateCompletion:")
           .method<&RVFNetServiceResolver::privateService>("privateService")
           .method<&RVFNetServiceResolver::setPrivateService>("setPrivateService:")
+          .method<&RVFNetServiceResolver::netServiceDidResolveAddress>(
+              "netServiceDidResolveAddress:")
+          .method<&RVFNetServiceResolver::netServiceDidNotResolve>("netService:didNotResolve:")
+          .method<&RVFNetServiceResolver::netServiceDidStop>("netServiceDidStop:")
           .registered();
   return kClass;
 }

@@ -7,6 +7,7 @@
 #include "Platform/Locale/NSBundle.h"
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
+#include "Platform/Runtime/NSException.h"
 #include "Platform/Text/Format.h"
 #include "RVFoundation/ServerDiscovery/RVFQMServerServiceBrowser.h"
 
@@ -112,6 +113,7 @@ std::set<std::string> RVFQMServerService::keyPathsForValuesAffectingName() {
 }
 
 void RVFQMServerService::addNetService(const Ref<NSNetService>& service) {
+  if (!service) NSException::raise(NSInvalidArgumentException, "the added registration is absent");
   if (std::ranges::any_of(
           netServices_, [&service](const auto& held) { return objectsAreEqual(held, service); })) {
     return;
@@ -128,7 +130,7 @@ void RVFQMServerService::addNetService(const Ref<NSNetService>& service) {
 void RVFQMServerService::removeNetService(const Ref<NSNetService>& service) {
   const auto self = refTo(this);
   const Ref<NSNetService> removed = service;  // may be a reference into the list
-  stopWatching(*removed);
+  if (removed) stopWatching(*removed);
   std::erase_if(netServices_,
                 [&removed](const auto& held) { return objectsAreEqual(held, removed); });
   if (mainService_ && objectsAreEqual(mainService_, removed)) chooseMainService();

@@ -4,12 +4,14 @@
 #include <netdb.h>
 #include <sys/socket.h>
 
+#include <exception>
 #include <map>
 #include <utility>
 
 #include "Platform/Locale/NSBundle.h"
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
+#include "Platform/Runtime/NSException.h"
 #include "Platform/Runtime/ScopeExit.h"
 #include "Platform/System/UUID.h"
 #include "Platform/Values/NSString.h"
@@ -72,20 +74,14 @@ RVFServerAddressParts RVFSplitServerAddress(std::string_view address) noexcept {
   return {address.substr(0, colon), address.substr(colon + 1)};
 }
 
-Ref<RVFStaticServer> RVFStaticServer::staticServerWithAddress(std::string_view address) {
-  auto server = std::make_shared<RVFStaticServer>();
-  server->setServerAddress(std::string(address));
-  server->setServerId(newUUIDText());
-  return server;
+void RVFStaticServer::setNewServerId() {
+  setServerId(newUUIDText());
 }
 
-Ref<RVFStaticServer> RVFStaticServer::initWithDataDictionary(const Ref<NSDictionary>& dictionary) {
-  auto server = std::make_shared<RVFStaticServer>();
-  if (!dictionary) return server;
-  server->setServerAddress(textOf(dictionary->objectForKey(kAddressKey)));
-  server->setServerDescription(textOf(dictionary->objectForKey(kDescriptionKey)));
-  server->setServerId(textOf(dictionary->objectForKey(kIdKey)));
-  return server;
+void RVFStaticServer::readDataDictionary(const NSDictionary& record) {
+  setServerAddress(textOf(record.objectForKey(kAddressKey)));
+  setServerDescription(textOf(record.objectForKey(kDescriptionKey)));
+  setServerId(textOf(record.objectForKey(kIdKey)));
 }
 
 Class RVFStaticServer::classObject() {
@@ -170,10 +166,14 @@ void RVFStaticServer::resolveUsingCompletion(Completion completion) {
   cancelResolving_ = false;
   const std::string address = serverAddress_.value_or("");
   const RVFServerAddressParts parts = RVFSplitServerAddress(address);
-  RVF_performBlockInBackground(
-      self, [self, host = std::string(parts.host), port = std::string(parts.port)] {
-        self->resolveAddressForHost(host, port);
-      });
+  try {
+    RVF_performBlockInBackground(
+        self, [self, host = std::string(parts.host), port = std::string(parts.port)] {
+          self->resolveAddressForHost(host, port);
+        });
+  } catch (const NSException&) {  // the system has no thread left: whoever waits must be told
+    deliverLater({EAI_AGAIN, {}});
+  }
 }
 
 /// The pending completion goes even if it throws: it has been called.
@@ -195,8 +195,16 @@ void RVFStaticServer::stopResolving() {
 }
 
 void RVFStaticServer::resolveAddressForHost(std::string_view host, std::string_view andPort) {
-  const NameLookupResult found =
-      nameLookup_(std::string(withoutBrackets(host)), std::string(andPort));
+  NameLookupResult found;
+  try {
+    found = nameLookup_(std::string(withoutBrackets(host)), std::string(andPort));
+  } catch (const std::exception&) {
+    found = {EAI_FAIL, {}};
+  }
+  deliverLater(found);
+}
+
+void RVFStaticServer::deliverLater(const NameLookupResult& found) {
   Addresses addresses;
   for (const NameLookupEntry& entry : found.entries) {
     if (entry.family == AF_INET || entry.family == AF_INET6) addresses.push_back(entry.address);

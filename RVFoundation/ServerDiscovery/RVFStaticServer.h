@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <concepts>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -49,11 +51,22 @@ class RVF_EXPORT RVFStaticServer : public NSObject {
                                         const std::optional<Addresses>& addresses,
                                         const Ref<NSError>& error, bool wasReplaced)>;
 
-  /// A new server with a fresh `serverId` and no description.
-  static Ref<RVFStaticServer> staticServerWithAddress(std::string_view address);
+  /// A new server, of a subclass if one is named, with a fresh `serverId` and no description.
+  template <std::derived_from<RVFStaticServer> Server = RVFStaticServer>
+  static Ref<Server> staticServerWithAddress(std::string_view address) {
+    auto server = std::make_shared<Server>();
+    server->setServerAddress(std::string(address));
+    server->setNewServerId();
+    return server;
+  }
   /// From a stored record, see `dataDictionary`. A missing entry leaves its property absent; an
   /// entry that is no text is read by its description.
-  static Ref<RVFStaticServer> initWithDataDictionary(const Ref<NSDictionary>& dictionary);
+  template <std::derived_from<RVFStaticServer> Server = RVFStaticServer>
+  static Ref<Server> initWithDataDictionary(const Ref<NSDictionary>& dictionary) {
+    auto server = std::make_shared<Server>();
+    if (dictionary) server->readDataDictionary(*dictionary);
+    return server;
+  }
 
   static Class classObject();
   Class isa() const override;
@@ -91,14 +104,17 @@ class RVF_EXPORT RVFStaticServer : public NSObject {
   static Ref<NSError> netDBErrorForErrorCode(std::int32_t code);
 
   /// How names are looked up: `lookUpName` unless replaced, before the first resolution. Called on
-  /// background threads.
+  /// background threads. One that throws counts as `EAI_FAIL`.
   void setNameLookup(NameLookup lookup);
 
   bool isEqual(const NSObject* other) const override;
   std::size_t hash() const override;
 
  private:
+  void setNewServerId();
+  void readDataDictionary(const NSDictionary& record);
   void replaceCompletion(const Ref<RVFStaticServer>& self, Completion completion);
+  void deliverLater(const NameLookupResult& found);
   void deliver(const Addresses& addresses, const Ref<NSError>& error);
 
   std::optional<std::string> serverAddress_;

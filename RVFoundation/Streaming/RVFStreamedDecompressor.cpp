@@ -23,6 +23,8 @@ namespace {
 const ClassRegistration kRegistration(&RVFStreamedDecompressor::classObject);
 
 constexpr std::size_t kLongestRoom = std::numeric_limits<uInt>::max();
+/// Chunks hold about as much as the one before; with some more room, one call finds the end.
+constexpr double kSpareRoom = 1.25;
 
 void report(Ref<NSError>* error, RVFErrorCode code) {
   reportError(error, [code] { return NSError::errorWithDomain(RVFErrorDomain, code); });
@@ -82,14 +84,39 @@ class Accumulator final {
 
 struct RVFStreamedDecompressor::Stream {
   z_stream record = {};
+  double expansion = 1;  // room to offer for each byte of the next chunk
 
-  /// Answers zlib's result, and in `count` how much was written.
-  int inflateInto(std::span<std::byte> room, std::size_t& count) {
-    const auto available = static_cast<uInt>(std::min<std::size_t>(room.size(), kLongestRoom));
+  /// Answers zlib's last result, and the content unless that is a failure.
+  int inflateChunk(const NSData& chunk, Ref<NSData>& content) try {
+    setInput(record, chunk);
+    const std::size_t leastRoom = chunk.length();
+    const auto expected = static_cast<std::size_t>(static_cast<double>(leastRoom) * expansion);
+    Accumulator accumulator(leastRoom + expected);
+    int result = Z_OK;
+    do {
+      result = inflateInto(accumulator, leastRoom);
+      if (isFailure(result)) return result;
+    } while (record.avail_out == 0);
+    expansion =
+        kSpareRoom * static_cast<double>(accumulator.length()) / static_cast<double>(leastRoom);
+    content = std::move(accumulator).data();
+    return result;
+  } catch (const std::bad_alloc&) {
+    return Z_MEM_ERROR;
+  }
+
+ private:
+  static bool isFailure(int result) {
+    return result == Z_MEM_ERROR || result == Z_DATA_ERROR || result == Z_NEED_DICT ||
+           result == Z_STREAM_ERROR;
+  }
+  int inflateInto(Accumulator& accumulator, std::size_t leastRoom) {
+    const std::span<std::byte> room = accumulator.roomFor(leastRoom);
+    const auto available = static_cast<uInt>(std::min(room.size(), kLongestRoom));
     record.next_out = reinterpret_cast<Bytef*>(room.data());
     record.avail_out = available;
     const int result = inflate(&record, Z_NO_FLUSH);
-    count = available - record.avail_out;
+    accumulator.append(available - record.avail_out);
     return result;
   }
 };
@@ -132,49 +159,19 @@ Ref<NSData> RVFStreamedDecompressor::decompressChunk(const Ref<NSData>& chunk,
     report(error, RVFEmptyChunkError);
     return chunk;
   }
-  setInput(strm_->record, *chunk);
   decompressionStarted_ = true;
-  try {
-    return inflated(chunk->length(), error);
-  } catch (const std::bad_alloc&) {
-    // What zlib has read of the chunk is lost: what follows must not be taken for its content.
-    inflateEnd(&strm_->record);
-    report(error, RVFCorruptStreamError);
-    return nullptr;
-  }
-}
-
-/// What the input gives; `leastRoom` bytes are offered to every call of zlib.
-Ref<NSData> RVFStreamedDecompressor::inflated(std::size_t leastRoom, Ref<NSError>* error) {
-  Stream& stream = *strm_;
-  Accumulator accumulator(std::max(leastRoom, expectedLength_));
-  int result = Z_OK;
-  do {
-    std::size_t count = 0;
-    result = stream.inflateInto(accumulator.roomFor(leastRoom), count);
-    switch (result) {
-      case Z_MEM_ERROR:
-      case Z_DATA_ERROR:
-      case Z_NEED_DICT:
-        inflateEnd(&stream.record);
-        report(error, RVFCorruptStreamError);
-        return nullptr;
-      case Z_STREAM_ERROR:
-        inflateEnd(&stream.record);
-        reportError(error, &inconsistentStreamStateError);
-        return nullptr;
-      default:
-        accumulator.append(count);
-    }
-  } while (stream.record.avail_out == 0);
-  // The next chunk probably holds as much; with some spare room, one call finds its end.
-  expectedLength_ = accumulator.length() + accumulator.length() / 4 + leastRoom;
-  auto data = std::move(accumulator).data();
-  if (result == Z_STREAM_END) {
+  Ref<NSData> content;
+  const int result = strm_->inflateChunk(*chunk, content);
+  if (content && result != Z_STREAM_END) return content;
+  inflateEnd(&strm_->record);
+  if (content) {
     decompressionComplete_ = true;
-    inflateEnd(&stream.record);
+  } else if (result == Z_STREAM_ERROR) {
+    reportError(error, &inconsistentStreamStateError);
+  } else {
+    report(error, RVFCorruptStreamError);
   }
-  return data;
+  return content;
 }
 
 bool RVFStreamedDecompressor::completeDecompressionUsingError(Ref<NSError>* error) {

@@ -52,12 +52,9 @@ class RVF_EXPORT RVFStreamedDecompressor final : public NSObject {
 
   RVFStreamedDecompressor();
 
-  Ref<NSData> inflated(std::size_t leastRoom, Ref<NSError>* error);
-
   std::unique_ptr<Stream> strm_;
   bool decompressionStarted_ = false;
   bool decompressionComplete_ = false;
-  std::size_t expectedLength_ = 0;  // of the next chunk's content
 };
 
 }  // namespace rvf

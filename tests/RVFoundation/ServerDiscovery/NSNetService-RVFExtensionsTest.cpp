@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <memory>
 #include <stdexcept>
 
@@ -173,6 +174,36 @@ TEST_F(ResolveTest, ASecondResolutionTakesTheDelegateAndTheFirstNeverCompletes) 
   EXPECT_EQ(first, 0);
   firstResolver->netServiceDidStop(service_);  // breaks the cycle that keeps it
   EXPECT_EQ(first, 1);
+}
+
+TEST_F(ResolveTest, ACompletionThatStopsTheRegistrationIsCalledOnce) {
+  int calls = 0;
+  RVF_resolveWithTimeout(service_, 0, [&](const auto& service, const auto&, bool wasStopped) {
+    ++calls;
+    EXPECT_FALSE(wasStopped);
+    service->stop();
+  });
+  locate("10.0.0.5");
+  EXPECT_EQ(calls, 1);
+  EXPECT_EQ(service_->delegate(), nullptr);
+}
+
+TEST_F(ResolveTest, TheCompletionResolvesTheSameRegistrationAnewInVain) {
+  Ref<NSNetServiceDelegate> secondResolver;
+  RVF_resolveWithTimeout(service_, 0, [&](const auto&, const auto&, bool) {
+    resolve();
+    secondResolver = service_->delegate();
+  });
+  locate("10.0.0.5");
+  EXPECT_EQ(service_->delegate(), nullptr) << "the first resolution's end takes the delegate";
+  EXPECT_THAT(resolutions_, IsEmpty());
+  secondResolver->netServiceDidStop(service_);  // breaks the cycle that keeps it
+}
+
+TEST_F(ResolveTest, ATimeoutThatIsNoNumberIsNone) {
+  resolve(std::numeric_limits<double>::quiet_NaN());
+  turn();
+  EXPECT_THAT(resolutions_, IsEmpty());
 }
 
 TEST_F(ResolveTest, AnAbsentRegistrationIsIgnored) {

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "Platform/Runtime/NSException.h"
 #include "Platform/Runtime/Runtime.h"
 #include "tests/RVFoundation/ServerDiscovery/ScriptedDiscovery.h"
 
@@ -156,6 +157,38 @@ TEST_F(RVFQMServerServiceTest, RemovingAnotherOneKeepsTheMainOneAndReports) {
   EXPECT_EQ(server_->mainService(), local);
   EXPECT_EQ(changes_, 1);
   EXPECT_EQ(remote->delegate(), nullptr);
+}
+
+TEST_F(RVFQMServerServiceTest, RemovingOneThatWasNeverHeldReportsWhileOthersRemain) {
+  countChanges();
+  server_->removeNetService(registration("a.b."));
+  EXPECT_EQ(changes_, 0);
+  server_->addNetService(registration("local."));
+  server_->removeNetService(registration("a.b."));
+  server_->removeNetService(nullptr);
+  EXPECT_EQ(changes_, 2);
+  EXPECT_EQ(server_->netServices().size(), 1U);
+}
+
+TEST_F(RVFQMServerServiceTest, AnAbsentRegistrationIsRefused) {
+  try {
+    server_->addNetService(nullptr);
+    FAIL() << "nothing was raised";
+  } catch (const NSException& exception) {
+    EXPECT_EQ(exception.name(), NSInvalidArgumentException);
+  }
+}
+
+TEST_F(RVFQMServerServiceTest, StoppingLeavesARegistrationWhoseDelegateAResolutionTook) {
+  class Resolver : public NSObject, public NSNetServiceDelegate {};
+  const auto local = registration("local.");
+  server_->addNetService(local);
+  const auto resolver = std::make_shared<Resolver>();
+  local->setDelegate(resolver);
+  server_->stop();
+  EXPECT_EQ(local->delegate(), resolver);
+  EXPECT_EQ(discovery_->watchesActive("Till"), 1);
+  local->stopMonitoring();
 }
 
 TEST_F(RVFQMServerServiceTest, RemovingTheLastReportsNothingAndLeavesNoMainOne) {

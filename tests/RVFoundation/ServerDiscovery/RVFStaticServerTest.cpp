@@ -13,6 +13,8 @@
 #include <mutex>
 #include <regex>
 #include <stdexcept>
+#include <string>
+#include <type_traits>
 
 #include "Platform/Network/SocketAddress.h"
 #include "Platform/RunLoop/NSRunLoop.h"
@@ -117,17 +119,31 @@ TEST(RVFSplitServerAddress, KeepsEveryCharacterOfTheAddress) {
 }
 
 TEST(RVFStaticServer, HandsHostWithoutBracketsAndPortToTheLookup) {
-  const auto server = RVFStaticServer::staticServerWithAddress("[fe80::1]:8080");
-  std::string host;
-  std::string port;
-  server->setNameLookup([&](const std::string& h, const std::string& p) {
-    host = h;
-    port = p;
-    return NameLookupResult{EAI_FAIL, {}};
+  for (const std::string expectedPort : {"8080", "9630"}) {
+    const bool isDefault = expectedPort == "9630";
+    const auto server = RVFStaticServer::staticServerWithAddress(
+        isDefault ? "[fe80::1]" : "[fe80::1]:" + expectedPort);
+    std::string host;
+    std::string port;
+    server->setNameLookup([&](const std::string& h, const std::string& p) {
+      host = h;
+      port = p;
+      return NameLookupResult{EAI_FAIL, {}};
+    });
+    resolve(server);
+    EXPECT_EQ(host, "fe80::1");
+    EXPECT_EQ(port, expectedPort);
+  }
+}
+
+TEST(RVFStaticServer, ALookupThatThrowsIsAFailure) {
+  const auto server = RVFStaticServer::staticServerWithAddress("odd");
+  server->setNameLookup([](const auto&, const auto&) -> NameLookupResult {
+    throw std::runtime_error("out of order");
   });
-  resolve(server);
-  EXPECT_EQ(host, "fe80::1");
-  EXPECT_EQ(port, "8080");
+  const Outcome outcome = resolve(server);
+  ASSERT_NE(outcome.error, nullptr);
+  EXPECT_EQ(outcome.error->code(), EAI_FAIL);
 }
 
 TEST(RVFStaticServer, ResolvesAnIPv4AddressOnTheDefaultPort) {
@@ -391,6 +407,18 @@ TEST(RVFStaticServer, EqualityAndHashAreByIdAlone) {
   EXPECT_EQ(a->hash(), b->hash());
   EXPECT_FALSE(a->isEqual(nullptr));
   EXPECT_FALSE(a->isEqual(box("a").get()));
+}
+
+TEST(RVFStaticServer, OfASubclassAreMadeByNameAndEqualById) {
+  class BranchServer final : public RVFStaticServer {};
+  const auto branch = RVFStaticServer::staticServerWithAddress<BranchServer>("a");
+  const auto again =
+      RVFStaticServer::initWithDataDictionary<BranchServer>(branch->dataDictionary());
+  static_assert(std::is_same_v<decltype(again), const Ref<BranchServer>>);
+  const auto plain = RVFStaticServer::initWithDataDictionary(branch->dataDictionary());
+  EXPECT_TRUE(objectsAreEqual(branch, plain));
+  EXPECT_TRUE(objectsAreEqual(plain, branch));
+  EXPECT_EQ(again->serverAddress(), "a");
 }
 
 TEST(RVFStaticServer, WithoutAnIdOnlyTheSameObjectIsEqual) {

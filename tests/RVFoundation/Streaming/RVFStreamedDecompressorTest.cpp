@@ -20,6 +20,7 @@ namespace rvf {
 namespace {
 
 using test::compressedBytes;
+using test::ScarceMemory;
 using test::Wrapper;
 
 Ref<NSData> dataOf(std::string_view bytes) {
@@ -101,6 +102,14 @@ TEST(RVFStreamedDecompressor, CorruptStreamsAreOneError) {
     EXPECT_FALSE(decompressor->completeDecompressionUsingError(&error));
     expectOwnError(error, RVFIncompleteStreamError);
   }
+}
+
+TEST(RVFStreamedDecompressor, AShortChunkAfterOneThatExpandedFarTakesLittleMemory) {
+  const std::string bytes = compressedBytes(std::string(20'000'000, 'x'), Wrapper::kGzip);
+  const auto decompressor = RVFStreamedDecompressor::init();
+  ASSERT_TRUE(decompressor->decompressChunk(dataOf(bytes.substr(0, 16'384))));
+  const ScarceMemory scarce(10'000);
+  EXPECT_TRUE(decompressor->decompressChunk(dataOf(bytes.substr(16'384, 1))));
 }
 
 TEST(RVFStreamedDecompressor, ChunkAfterTheEndFindsTheStateInconsistent) {
