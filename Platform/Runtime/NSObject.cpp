@@ -3,6 +3,7 @@
 
 #include <functional>
 
+#include "Platform/Runtime/AssociationTable.h"
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/NSException.h"
 #include "Platform/Runtime/NSInvocation.h"
@@ -23,7 +24,9 @@ bool isEqualToObject(NSObject& self, SEL, id other) {
 
 }  // namespace
 
-NSObject::~NSObject() = default;
+NSObject::~NSObject() {
+  if (AssociationTable::isUsedBy(*this)) AssociationTable::removeAll(*this);
+}
 
 Class NSObject::classObject() {
   static const Class kClass = ClassBuilder<NSObject>("NSObject", nullptr)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <memory>
 #include <string>
@@ -12,6 +13,7 @@
 
 namespace rvf {
 
+class AssociationTable;
 class ClassRecord;
 class NSInvocation;
 class NSMethodSignature;
@@ -62,6 +64,10 @@ class RVF_EXPORT NSObject : public std::enable_shared_from_this<NSObject> {
   /// Raises `NSInvalidArgumentException`,
   /// "-[Class selector]: unrecognized selector sent to instance 0x…".
   [[noreturn]] void doesNotRecognizeSelector(SEL selector) const;
+
+ private:
+  friend class AssociationTable;
+  mutable std::atomic<bool> hasAssociations_{false};
 };
 
 /// The receiver as a `Ref` of its own class. It must be held by a `Ref` already, else
