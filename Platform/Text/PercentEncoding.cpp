@@ -1,14 +1,25 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Platform/Text/PercentEncoding.h"
 
+#include <algorithm>
+#include <array>
+
 #include "Platform/Text/Text.h"
 
 namespace rvf {
 namespace {
 
+constexpr auto kIsUnreserved = [] {
+  std::array<bool, 256> table{};
+  constexpr std::string_view kUnreserved =
+      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_.~";
+  for (const char c : kUnreserved)
+    table[static_cast<unsigned char>(c)] = true;
+  return table;
+}();
+
 constexpr bool isUnreserved(char c) noexcept {
-  return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-' ||
-         c == '_' || c == '.' || c == '~';
+  return kIsUnreserved[static_cast<unsigned char>(c)];
 }
 
 /// 0 to 15; -1 for another character.
@@ -32,15 +43,18 @@ constexpr int escapedByte(std::string_view text) noexcept {
 std::optional<std::string> addPercentEscapes(std::string_view text) {
   constexpr std::string_view kDigits = "0123456789ABCDEF";
   if (!isValidUtf8(text)) return std::nullopt;
-  std::string result;
-  result.reserve(text.size());
+  const auto plain = static_cast<std::size_t>(std::ranges::count_if(text, isUnreserved));
+  std::string result(plain + 3 * (text.size() - plain), '%');
+  char* out = result.data();
   for (const char c : text) {
     if (isUnreserved(c)) {
-      result += c;
+      *out++ = c;
       continue;
     }
     const auto byte = static_cast<unsigned char>(c);
-    result += {'%', kDigits[byte >> 4], kDigits[byte & 15]};
+    out[1] = kDigits[byte >> 4];
+    out[2] = kDigits[byte & 15];
+    out += 3;
   }
   return result;
 }
@@ -49,11 +63,10 @@ std::optional<std::string> removePercentEscapes(std::string_view text) {
   std::string result;
   result.reserve(text.size());
   while (!text.empty()) {
-    if (text.front() != '%') {
-      result += text.front();
-      text.remove_prefix(1);
-      continue;
-    }
+    const std::size_t length = std::min(text.find('%'), text.size());
+    result.append(text, 0, length);
+    text.remove_prefix(length);
+    if (text.empty()) break;
     const int byte = escapedByte(text);
     if (byte < 0) return std::nullopt;
     result += static_cast<char>(byte);

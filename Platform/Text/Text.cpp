@@ -163,7 +163,7 @@ std::int32_t intValueOfText(std::string_view text) noexcept {
 }
 
 bool boolValueOfText(std::string_view text) noexcept {
-  text = withoutPrefix(text, &isWhiteSpaceOrNewline);
+  text = withoutPrefix(text, &isWhiteSpace);
   if (text.starts_with('+') || text.starts_with('-')) text.remove_prefix(1);
   text.remove_prefix(std::min(text.find_first_not_of('0'), text.size()));
   constexpr std::string_view kTrue = "YyTt123456789";

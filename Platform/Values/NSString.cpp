@@ -6,6 +6,7 @@
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
 #include "Platform/Runtime/NSCopying.h"
+#include "Platform/Text/CaseMapping.h"
 #include "Platform/Text/Text.h"
 
 namespace rvf {
@@ -18,6 +19,8 @@ const ClassRegistration kRegistration(&NSString::classObject);
 Class NSString::classObject() {
   static const Class kClass = ClassBuilder<NSString>("NSString", NSObject::classObject())
                                   .method<&NSString::length>("length")
+                                  .method<&NSString::boolValue>("boolValue")
+                                  .method<&NSString::uppercaseString>("uppercaseString")
                                   .method("copy", immutableCopyImplementation())
                                   .conformsTo("NSCopying")
                                   .registered();
@@ -42,6 +45,14 @@ std::size_t NSString::length() const {
 
 int NSString::compare(const NSString& other) const {
   return compareUtf16(text_, other.text_);
+}
+
+bool NSString::boolValue() const noexcept {
+  return boolValueOfText(text_);
+}
+
+std::string NSString::uppercaseString() const {
+  return uppercaseText(text_);
 }
 
 bool NSString::isEqual(const NSObject* other) const {

@@ -33,6 +33,10 @@ class RVF_EXPORT NSString final : public NSObject {
   std::size_t length() const;
   /// Negative, 0 or positive: the order by UTF-16 code unit.
   int compare(const NSString& other) const;
+  /// See `boolValueOfText`.
+  bool boolValue() const noexcept;
+  /// In upper case, whatever the user's locale (see `uppercaseText`).
+  std::string uppercaseString() const;
 
   bool isEqual(const NSObject* other) const override;
   std::size_t hash() const override;

@@ -78,5 +78,14 @@ TEST(NSString, AnswersItsLengthAsAMessage) {
   EXPECT_EQ(send<std::size_t>(id(box("😀")), SEL("length")), 2U);
 }
 
+TEST(NSString, AnswersATruthValue) {
+  EXPECT_TRUE(send<bool>(box("yes"), SEL("boolValue")));
+  EXPECT_FALSE(send<bool>(box("no"), SEL("boolValue")));
+}
+
+TEST(NSString, AnswersItsUpperCase) {
+  EXPECT_EQ(send<std::string>(box("straße"), SEL("uppercaseString")), "STRASSE");
+}
+
 }  // namespace
 }  // namespace rvf
