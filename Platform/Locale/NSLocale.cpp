@@ -5,6 +5,7 @@
 #include <unicode/locid.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstdlib>
 #include <functional>
 #include <mutex>
@@ -77,6 +78,8 @@ struct CurrentLocale {
   Ref<NSLocale> locale;  ///< absent until it is first asked for
 };
 
+constinit std::atomic<unsigned long> changeCount{0};
+
 CurrentLocale& current() {
   static CurrentLocale state;
   return state;
@@ -102,6 +105,11 @@ void NSLocale::setCurrentLocaleIdentifier(const std::optional<std::string>& iden
   CurrentLocale& state = current();
   const std::lock_guard lock(state.mutex);
   state.locale = std::move(locale);
+  changeCount.fetch_add(1, std::memory_order_release);
+}
+
+unsigned long NSLocale::changesOfCurrentLocale() noexcept {
+  return changeCount.load(std::memory_order_acquire);
 }
 
 std::string NSLocale::identifierForEnvironment(std::string_view lcAll, std::string_view lcMessages,

@@ -27,6 +27,9 @@ class RVF_EXPORT NSLocale final : public NSObject {
   /// Sets the current locale of the whole process; absent goes back to the environment's.
   /// Thread-safe.
   static void setCurrentLocaleIdentifier(const std::optional<std::string>& identifier);
+  /// How often the current locale was set; so who keeps what depends on it knows when to make it
+  /// anew. Thread-safe, without a lock.
+  static unsigned long changesOfCurrentLocale() noexcept;
   /// The identifier that these values of the environment's variables stand for: the first that is
   /// not empty, without character set and modifier. "C", "POSIX", none and what names no language
   /// are "en_US_POSIX".

@@ -51,14 +51,6 @@ class DigitReader final {
   bool hasDigits_ = false;
 };
 
-void skipWhiteSpace(std::string_view& text) noexcept {
-  while (!text.empty()) {
-    const Utf8Unit unit = firstUtf8Unit(text);
-    if (!isWhiteSpace(unit.codePoint)) return;
-    text.remove_prefix(unit.length);
-  }
-}
-
 /// Takes one "+" or "-" off the front; whether it is a "-".
 bool takeSign(std::string_view& text) noexcept {
   const bool isNegative = text.starts_with('-');
@@ -123,7 +115,7 @@ NSDecimal NSDecimal::fromParts(Mantissa mantissa, int exponent, bool isNegative)
 }
 
 NSDecimal NSDecimal::fromText(std::string_view text, std::string_view separator) noexcept {
-  skipWhiteSpace(text);
+  text = withoutPrefix(text, &isWhiteSpace);
   const bool isNegative = takeSign(text);
   DigitReader digits;
   digits.read(text, false);
