@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "RVFoundation/Text/NSString-RVFPlaceholders.h"
+
+#include <gtest/gtest.h>
+
+#include "Platform/Runtime/NSException.h"
+#include "Platform/Values/NSString.h"
+
+namespace rvf {
+namespace {
+
+Ref<NSDictionary> values() {
+  return NSDictionary::dictionaryWithEntries({{"name", box("World")},
+                                              {" a b ", box("blank")},
+                                              {"ü(", box("umlaut")},
+                                              {"nested", box("%@(name)")}});
+}
+
+std::string filled(std::string_view text) {
+  return stringByReplacingPlaceholdersWithDictionaryValues(text, values());
+}
+
+TEST(NSString_RVFPlaceholders, ReplacesEveryPlaceholder) {
+  const std::pair<const char*, const char*> rows[] = {
+      {"Hello %@(name)!", "Hello World!"},
+      {"Hello %@(unknown)!", "Hello !"},
+      {"%@(name)%@(name)", "WorldWorld"},
+      {"%@()", ""},
+      {"", ""},
+      {"no placeholder", "no placeholder"},
+      {"%@( a b )%@(a b)", "blank"},
+      {"%@(ü()", "umlaut"},
+      {"%@(nested)", "%@(name)"},
+      {"%% %@ %(name) @(name) )", "%% %@ %(name) @(name) )"},
+      {"%%@(name)", "%World"},
+      {" %@(name) \n", " World \n"},
+      {"\xFF%@(name)\xC3", "\xFFWorld\xC3"},
+  };
+  for (const auto& [text, expected] : rows)
+    EXPECT_EQ(filled(text), expected) << text;
+}
+
+TEST(NSString_RVFPlaceholders, APlaceholderThatIsNotClosedRaises) {
+  for (const char* text : {"Hello %@(name", "%@(", "%@(name)%@(", "%@(unknown", "%@(a%@(b"}) {
+    try {
+      filled(text);
+      ADD_FAILURE() << text;
+    } catch (const NSException& exception) {
+      EXPECT_EQ(exception.name(), NSInvalidArgumentException) << text;
+      EXPECT_EQ(exception.reason(),
+                "invalid placeholder format string. Make sure any %@( is closed with )");
+    }
+  }
+}
+
+TEST(NSString_RVFPlaceholders, AnAbsentDictionaryHasNoValues) {
+  EXPECT_EQ(stringByReplacingPlaceholdersWithDictionaryValues("a%@(name)b", nullptr), "ab");
+}
+
+TEST(NSString_RVFPlaceholders, TakesATextOfTenMegabytes) {
+  std::string text;
+  std::string expected;
+  while (text.size() < 10'000'000) {
+    text += "ab %@(name) ";
+    expected += "ab World ";
+  }
+  EXPECT_EQ(filled(text), expected);
+  EXPECT_EQ(filled(std::string(10'000'000, '%')).size(), 10'000'000U);
+}
+
+TEST(NSString_RVFPlaceholders, AppendsAFilledFormatToAPath) {
+  EXPECT_EQ(relativePathWithFormat("/tmp", "%@-%d.txt", "till", 7), "/tmp/till-7.txt");
+  EXPECT_EQ(relativePathWithFormat("/tmp/", "x"), "/tmp/x");
+  EXPECT_EQ(relativePathWithFormat("", "%@/%@", "a", "b"), "a/b");
+  EXPECT_THROW(relativePathWithFormat("/tmp", "%@"), NSException);
+}
+
+}  // namespace
+}  // namespace rvf
