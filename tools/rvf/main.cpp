@@ -17,8 +17,10 @@
 #include "tools/rvf/BrowseCommand.h"
 #include "tools/rvf/ConnectCommand.h"
 #include "tools/rvf/ExpiryCommand.h"
+#include "tools/rvf/FormatCommand.h"
 #include "tools/rvf/ResolveCommand.h"
 #include "tools/rvf/SwipeCommand.h"
+#include "tools/rvf/TextCommand.h"
 #include "tools/terminal/CapableTerminal.h"
 #include "tools/terminal/DiscoveryOption.h"
 #include "tools/terminal/ExitCode.h"
@@ -27,13 +29,15 @@ namespace {
 
 using rvf::tool::BrowseOptions;
 using rvf::tool::ConnectOptions;
+using rvf::tool::FormatOptions;
 using rvf::tool::SwipeOptions;
+using rvf::tool::TextOptions;
 
 constexpr const char* kFooter =
-    "Exit codes: 0 done, 64 wrong usage, 65 the answer is no well-formed gzip XML, or a swipe or\n"
-    "expiry date cannot be read, 66 a named file or standard input cannot be read, 68 no such\n"
-    "server, 69 discovery or server unavailable, 70 internal error, 74 output failed, 75 out of\n"
-    "time, 76 TLS or HTTP failed.";
+    "Exit codes: 0 done, 64 wrong usage, 65 the answer is no well-formed gzip XML, or a swipe,\n"
+    "date, value or text cannot be read, 66 a named file or standard input cannot be read, 68 no\n"
+    "such server, 69 discovery or server unavailable, 70 internal error, 74 output failed, 75 out\n"
+    "of time, 76 TLS or HTTP failed.";
 
 /// https://no-color.org: any value that is not empty switches colour off.
 bool wantsColour() {
@@ -113,6 +117,32 @@ void addExpiry(CLI::App& app, std::string& text, bool& asJson, ExitCode& result)
   command->callback([&] { result = rvf::tool::expiryCommand(text, asJson); });
 }
 
+void addFormat(CLI::App& app, FormatOptions& options, ExitCode& result) {
+  auto* command = app.add_subcommand("format", "Write a value for people, or read such a text");
+  command->add_option("KIND", options.kind, "What the value is")
+      ->required()
+      ->check(CLI::IsMember(rvf::tool::formatKinds()));
+  command
+      ->add_option(
+          "VALUE", options.value,
+          "A number such as -1234.5 (time and hours: seconds), a phone number, a yes or no")
+      ->required();
+  command->add_option("--locale", options.locale, "For example de_DE; default: the environment's");
+  command->add_flag("--read", options.isReading, "VALUE is a text for people: print the number");
+  command->callback([&] { result = rvf::tool::formatCommand(options); });
+}
+
+void addText(CLI::App& app, TextOptions& options, ExitCode& result) {
+  auto* command = app.add_subcommand("text", "Escape, decode, split, digest, clean or fill a text");
+  command->add_option("OPERATION", options.operation, "What to do with the text")
+      ->required()
+      ->check(CLI::IsMember(rvf::tool::textOperations()));
+  command->add_option("TEXT", options.text, "The text")->required();
+  command->add_option("KEY=VALUE", options.values, "fill: what %@(KEY) stands for");
+  command->add_option("--locale", options.locale, "For example de_DE; default: the environment's");
+  command->callback([&] { result = rvf::tool::textCommand(options); });
+}
+
 ExitCode run(int argc, char** argv) {
   ExitCode result = ExitCode::ok;
   BrowseOptions browse;
@@ -122,6 +152,8 @@ ExitCode run(int argc, char** argv) {
   SwipeOptions swipe;
   std::string expiry;
   bool isExpiryJson = false;
+  FormatOptions format;
+  TextOptions text;
   CLI::App app("Tools of the RVFoundation library");
   app.require_subcommand(1);
   app.footer(kFooter);
@@ -136,6 +168,8 @@ ExitCode run(int argc, char** argv) {
   addConnect(app, connect, result);
   addSwipe(app, swipe, result);
   addExpiry(app, expiry, isExpiryJson, result);
+  addFormat(app, format, result);
+  addText(app, text, result);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

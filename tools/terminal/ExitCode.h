@@ -7,7 +7,7 @@
 enum class ExitCode : int {
   ok = EX_OK,                    ///< done
   usage = EX_USAGE,              ///< 64: the command line is wrong
-  dataError = EX_DATAERR,        ///< 65: an answer, a swipe or an expiry date cannot be read
+  dataError = EX_DATAERR,        ///< 65: an answer, swipe, date, value or text cannot be read
   noInput = EX_NOINPUT,          ///< 66: a named file or standard input cannot be read
   noHost = EX_NOHOST,            ///< 68: no such server, or its name does not resolve
   unavailable = EX_UNAVAILABLE,  ///< 69: discovery or the server does not work
