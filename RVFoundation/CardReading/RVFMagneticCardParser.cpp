@@ -41,6 +41,12 @@ enum EncryptedField : std::size_t {
   kEncryptedFieldCount = 12,
 };
 
+struct StepSelectors {
+  SEL track1{"parseTrack1:requiringValidName:"};
+  SEL track2{"parseTrack2:"};
+  SEL encryptedTrack{"parseEncryptedTrack:"};
+};
+
 /// The fields of a block with as many as it has to have, else absent.
 std::optional<std::array<std::string_view, kEncryptedFieldCount>> encryptedFields(
     std::string_view body) {
@@ -171,25 +177,18 @@ bool RVFMagneticCardParser::parseSwipeRequiringName(bool isNameRequired) {
 
 bool RVFMagneticCardParser::parseSegment(char sentinel, std::string_view body,
                                          bool isNameRequired) {
-  static const SEL kParseTrack1("parseTrack1:requiringValidName:");
-  static const SEL kParseTrack2("parseTrack2:");
-  static const SEL kParseEncryptedTrack("parseEncryptedTrack:");
+  static const StepSelectors kSteps;
   std::uint64_t parsed = 0;
-  switch (sentinel) {
-    case kTrack1Sentinel:
-      if (send<bool>(*this, kParseTrack1, body, isNameRequired)) parsed = RVFTrackInfoTrack1;
-      break;
-    case kTrack2Sentinel:
-      if (send<bool>(*this, kParseTrack2, body)) parsed = RVFTrackInfoTrack2;
-      break;
-    case kEncryptedSentinel:
-      if (send<bool>(*this, kParseEncryptedTrack, body)) parsed = RVFTrackInfoEncryptedTrack;
-      break;
-    default:
-      break;
+  if (sentinel == kTrack1Sentinel) {
+    if (send<bool>(*this, kSteps.track1, body, isNameRequired)) parsed = RVFTrackInfoTrack1;
+  } else if (sentinel == kTrack2Sentinel) {
+    if (send<bool>(*this, kSteps.track2, body)) parsed = RVFTrackInfoTrack2;
+  } else if (sentinel == kEncryptedSentinel) {
+    if (send<bool>(*this, kSteps.encryptedTrack, body)) parsed = RVFTrackInfoEncryptedTrack;
   }
+  if (parsed == 0) return false;
   setTrackInfo(trackInfo() | parsed);
-  return parsed != 0;
+  return true;
 }
 
 bool RVFMagneticCardParser::parseTrack1(std::string_view body, bool requiringValidName) {

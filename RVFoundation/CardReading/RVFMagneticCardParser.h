@@ -36,7 +36,8 @@ enum RVFTrackInfo : std::uint64_t {
 ///
 /// The texts are wiped from memory when they are replaced and when the parser is destroyed, and are
 /// in no description or exception. A text that was got is valid until then, except for the swipe
-/// text, which stays until the parse that is reading it has ended. Setters keep a copy.
+/// text, which stays until the parse that is reading it has ended. Setters keep a copy. What a
+/// getter answers to a message is an ordinary text, which its sender has to wipe.
 ///
 /// A subclass may override any of the three track operations. Each is also a message to the parser,
 /// so a method that was added at run time may replace it; that one takes the body as a
