@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::chrono::milliseconds kSmallestStep{500};
 /// No date to wait for, only one that lies ahead: the timer is armed anew when it is reached.
-constexpr time_t kFarAheadSeconds = 365 * 24 * 60 * 60;
+constexpr time_t kFarAheadSeconds = time_t{365} * 24 * 60 * 60;
 
 int openTimer() {
   return ::timerfd_create(CLOCK_REALTIME, TFD_NONBLOCK | TFD_CLOEXEC);
