@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <string_view>
+#include <type_traits>
 
 #include "Platform/Runtime/NSException.h"
 #include "Platform/Text/Text.h"
@@ -41,6 +42,10 @@ void parse(std::string_view swipe, bool isNameRequired) {
     require(exception.reason() == "index 2 beyond bounds [0 .. 1]");
   }
   requireFieldsWithinLimits(*parser, isNameRequired);
+  if constexpr (std::is_same_v<Parser, rvf::RVFCreditCardParser>) {
+    require(parser->cardType() >= rvf::RVFCardTypeUnknown);
+    require(parser->cardType() <= rvf::RVFCardTypeDinersClub);
+  }
   require(parser->swipeData() == swipe);
 }
 

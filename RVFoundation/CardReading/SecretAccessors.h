@@ -10,7 +10,9 @@
 #include "Platform/Text/SecretText.h"
 
 /// Accessors of secret texts as methods. Messages carry texts that they own, so what a getter
-/// answers is a copy that its sender has to wipe; what a setter was given is wiped here.
+/// answers is a copy that its sender has to wipe. What a setter was given is wiped here if it was
+/// sent as the `std::optional<std::string>` that the method takes; a text of another type, or in an
+/// invocation, is copied on its way, and those copies are not. The C++ accessors make none.
 namespace rvf {
 
 template <class Owner, std::optional<std::string_view> (Owner::*Getter)() const noexcept>

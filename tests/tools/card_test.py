@@ -9,6 +9,8 @@ import json
 import os
 import subprocess
 import sys
+import termios
+import time
 import unittest
 
 RVF = sys.argv[1]
@@ -122,6 +124,30 @@ class SwipeTest(unittest.TestCase):
                               check=False)
         os.close(directory)
         self.assertEqual(done.returncode, 66)
+
+
+class TerminalTest(unittest.TestCase):
+    def test_what_a_reader_types_is_not_shown(self):
+        master, terminal = os.openpty()
+        with subprocess.Popen([RVF, "swipe"], stdin=terminal, stdout=terminal,
+                              stderr=terminal) as program:
+            deadline = time.monotonic() + 60
+            while termios.tcgetattr(terminal)[3] & termios.ECHO:
+                self.assertLess(time.monotonic(), deadline)
+                time.sleep(0.01)
+            os.write(master, BOTH_TRACKS.encode() + b"\x04")
+            self.assertEqual(program.wait(60), 0)
+        self.assertTrue(termios.tcgetattr(terminal)[3] & termios.ECHO)
+        os.close(terminal)
+        shown = b""
+        try:
+            while data := os.read(master, 4096):
+                shown += data
+        except OSError:  # how the last reader of a pseudo-terminal learns of its end
+            pass
+        os.close(master)
+        self.assertIn(b"411111******1111", shown)
+        self.assertNotIn(b"4111111111111111", shown)
 
 
 class ExpiryTest(unittest.TestCase):

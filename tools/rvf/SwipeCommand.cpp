@@ -11,6 +11,7 @@
 #include "Platform/Text/Utf8.h"
 #include "RVFoundation/CardReading/RVFCreditCardParser.h"
 #include "tools/rvf/Finding.h"
+#include "tools/terminal/HiddenTyping.h"
 
 namespace rvf::tool {
 namespace {
@@ -195,6 +196,7 @@ bool show(const std::string& swipe, std::size_t line, const SwipeOptions& option
 }  // namespace
 
 ExitCode swipeCommand(const SwipeOptions& options) {
+  const HiddenTyping hidden;  // a reader types the whole swipe
   SwipeLines lines;
   bool areAllRead = true;
   while (const std::string* swipe = lines.next()) {

@@ -202,6 +202,9 @@ TEST(RVFMagneticCardParser, AnAccountFieldIsCountedInUtf16Units) {
   expectOutcome(";" + tenFaces + "=?", {true, tenFaces, {}, 0, 0, 2});
   expectOutcome(";" + tenFaces + "4=?", {});
   expectOutcome("%B" + tenFaces + "^AB^?", {});
+  const std::string nineFacesAndAFigure = tenFaces.substr(4) + "4";
+  expectOutcome("%B" + nineFacesAndAFigure + "^AB^1512?",
+                {true, nineFacesAndAFigure, "AB", 2015, 12, 1});
 }
 
 TEST(RVFMagneticCardParser, Track2MayLackItsExpiry) {
@@ -405,6 +408,45 @@ TEST(RVFMagneticCardParser, AStepMayBeReplacedAtRunTime) {
   ASSERT_TRUE(class_addMethod(ExtendedParser::classObject(), SEL("parseTrack2:"), &refuseTrack));
   EXPECT_EQ(ExtendedParser::cardParserForTrackData<ExtendedParser>(";1=?", true), nullptr);
   EXPECT_NE(RVFMagneticCardParser::cardParserForTrackData(";1=?", true), nullptr);
+}
+
+bool refuseTrack1(NSObject&, SEL, std::string_view, bool) {
+  return false;
+}
+
+TEST(RVFMagneticCardParser, EveryStepMayBeReplacedAtRunTime) {
+  class RefusingParser final : public RVFMagneticCardParser {
+   public:
+    static Class classObject() {
+      static const Class kClass =
+          ClassBuilder<RefusingParser>("RefusingParser", RVFMagneticCardParser::classObject())
+              .method("parseTrack1:requiringValidName:", &refuseTrack1)
+              .method("parseEncryptedTrack:", &refuseTrack)
+              .registered();
+      return kClass;
+    }
+    Class isa() const override { return classObject(); }
+  };
+  for (const char* swipe : {"%B123^AB^1512?", "||||||||||||?"}) {
+    EXPECT_NE(RVFMagneticCardParser::cardParserForTrackData(swipe, true), nullptr) << swipe;
+    EXPECT_EQ(RefusingParser::cardParserForTrackData<RefusingParser>(swipe, true), nullptr)
+        << swipe;
+  }
+}
+
+TEST(RVFMagneticCardParser, KeepsTheVeryRecordThatItIsGiven) {
+  const auto parser = std::make_shared<RVFMagneticCardParser>();
+  const auto record = std::make_shared<RVFEncryptedTrackData>();
+  parser->setEncryptedTrackData(record);
+  EXPECT_EQ(parser->encryptedTrackData(), record);
+  send(parser, SEL("setEncryptedTrackData:"), Ref<RVFEncryptedTrackData>());
+  EXPECT_EQ(parser->encryptedTrackData(), nullptr);
+  send(parser, SEL("setExpirationYear:"), std::int32_t{2031});
+  send(parser, SEL("setExpirationMonth:"), std::int32_t{7});
+  send(parser, SEL("setTrackInfo:"), std::uint64_t{4});
+  EXPECT_EQ(send<std::int32_t>(parser, SEL("expirationMonth")), 7);
+  EXPECT_EQ(parser->expirationYear(), 2031);
+  EXPECT_EQ(parser->trackInfo(), 4U);
 }
 
 TEST(RVFMagneticCardParser, DescribesItselfWithoutCardData) {

@@ -118,6 +118,8 @@ TEST(SwipeProperties, AnyBytesAreAnsweredOrRaiseTheRangeException) {
     try {
       const auto card = RVFMagneticCardParser::cardParserForTrackData(swipe, isNameRequired);
       if (card) RC_ASSERT(card->swipeData() == swipe);
+      const auto credit = RVFCreditCardParser::cardParserForTrackData(swipe);
+      if (credit) RC_ASSERT(credit->cardType() <= RVFCardTypeDinersClub);
     } catch (const NSException& exception) {
       RC_ASSERT(exception.name() == NSRangeException);
       RC_ASSERT(swipe.find("%B") != std::string::npos && swipe.find('^') != std::string::npos);

@@ -180,6 +180,14 @@ TEST_F(ExpiryDateTest, AShortYearIsOneOfTheCurrentCentury) {
   }
 }
 
+TEST_F(ExpiryDateTest, TheCenturyIsTheGregorianOneWhateverCalendarTheUserHas) {
+  for (const char* locale : {"th_TH", "th_TH@calendar=buddhist", "he_IL@calendar=hebrew"}) {
+    NSLocale::setCurrentLocaleIdentifier(locale);
+    EXPECT_TRUE(getExpiryMonth("12/25", &month_, &year_)) << locale;
+    EXPECT_EQ(year_, 2025) << locale;
+  }
+}
+
 TEST_F(ExpiryDateTest, TextsAreTranslatedAndFilledIn) {
   RVFLibraryBundle()->setCatalogueFolder(RVF_BUILD_CATALOGUE_FOLDER);
   NSLocale::setCurrentLocaleIdentifier("de_DE");
