@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <typeinfo>
 #include <utility>
 
 #include "Platform/Locale/NSBundle.h"
@@ -42,6 +43,8 @@ Ref<NSNumber> plainNumber(const NSDecimal& value) {
 }  // namespace
 
 class NSNumberFormatter::State {
+  using Buffer = std::array<char, NSDecimal::kLongestText>;
+
  public:
   /// The engine for the settings as they are and the locale of this moment.
   const NumberFormatEngine& engine() {
@@ -58,19 +61,18 @@ class NSNumberFormatter::State {
   /// To be called after every change of what the engine depends on.
   void forgetEngine() noexcept { engine_.reset(); }
 
+  std::string text(const NSDecimal& number) {
+    if (number.isNaN()) return "NaN";
+    Buffer buffer;  // filled by the next line
+    return text(buffer, number.write(buffer.data()));
+  }
+
   std::string text(const NSNumber& number) {
-    std::array<char, NSDecimal::kLongestText> buffer{};
-    const char* end = buffer.data();
-    if (const auto* decimal = dynamic_cast<const NSDecimalNumber*>(&number)) {
-      if (decimal->decimalValue().isNaN()) return "NaN";
-      end = decimal->decimalValue().write(buffer.data());
-    } else {
-      const double value = number.doubleValue();
-      if (std::isnan(value)) return "NaN";
-      if (std::isinf(value)) return engine().text(value);
-      end = writePlain(number, buffer);
-    }
-    return engine().text({buffer.data(), static_cast<std::size_t>(end - buffer.data())});
+    const double value = number.doubleValue();
+    if (std::isnan(value)) return "NaN";
+    if (std::isinf(value)) return engine().text(value);
+    Buffer buffer{};
+    return text(buffer, writePlain(number, buffer));
   }
 
   NumberFormatSettings settings;
@@ -80,8 +82,11 @@ class NSNumberFormatter::State {
   std::string nilSymbol;
 
  private:
-  static const char* writePlain(const NSNumber& number,
-                                std::array<char, NSDecimal::kLongestText>& buffer) {
+  std::string text(const Buffer& buffer, const char* end) {
+    return engine().text({buffer.data(), static_cast<std::size_t>(end - buffer.data())});
+  }
+
+  static const char* writePlain(const NSNumber& number, Buffer& buffer) {
     const std::string& type = number.objCType();
     if (type == "d") return std::to_chars(buffer.begin(), buffer.end(), number.doubleValue()).ptr;
     if (type == "f") return std::to_chars(buffer.begin(), buffer.end(), number.floatValue()).ptr;
@@ -218,7 +223,10 @@ void NSNumberFormatter::setLenient(bool isLenient) {
 
 std::optional<std::string> NSNumberFormatter::stringForObjectValue(const id& value) {
   if (!value) return state_->nilSymbol;
-  const auto* number = dynamic_cast<const NSNumber*>(value.get());
+  const NSObject& object = *value;
+  if (typeid(object) == typeid(NSDecimalNumber))  // a cast costs as much as a few digits
+    return state_->text(static_cast<const NSDecimalNumber&>(object).decimalValue());
+  const auto* number = dynamic_cast<const NSNumber*>(&object);
   if (!number) return std::nullopt;
   return state_->text(*number);
 }

@@ -152,14 +152,15 @@ void NumberFormatEngine::apply(icu::DecimalFormat& format, const std::string& pr
 }
 
 void NumberFormatEngine::makeCurrencyReader() {
-  apply(*reader_, "\u00A4");
+  currencyReader_.reset(reader_->clone());
+  apply(*currencyReader_, "\u00A4");
   // With a currency the library would expect the separators that amounts with one have.
   Symbols symbols(*reader_->getDecimalFormatSymbols());
   symbols.setSymbol(Symbols::kMonetarySeparatorSymbol,
                     symbols.getConstSymbol(Symbols::kDecimalSeparatorSymbol));
   symbols.setSymbol(Symbols::kMonetaryGroupingSeparatorSymbol,
                     symbols.getConstSymbol(Symbols::kGroupingSeparatorSymbol));
-  reader_->setDecimalFormatSymbols(symbols);
+  currencyReader_->setDecimalFormatSymbols(symbols);
 }
 
 std::string NumberFormatEngine::text(std::string_view decimal) const {
@@ -177,11 +178,17 @@ std::string NumberFormatEngine::text(double infinity) const {
 std::optional<NSDecimal> NumberFormatEngine::number(std::string_view text) const {
   if (text.size() > kLongestNumber || !isValidUtf8(text)) return std::nullopt;
   const icu::UnicodeString units = trimmed(icu::UnicodeString::fromUTF8(piece(text)));
+  if (units.isEmpty() || hasSeveralSigns(units)) return std::nullopt;
+  if (const auto value = read(*reader_, units)) return value;
+  return currencyReader_ ? read(*currencyReader_, units) : std::nullopt;
+}
+
+std::optional<NSDecimal> NumberFormatEngine::read(const icu::DecimalFormat& reader,
+                                                  const icu::UnicodeString& text) {
   icu::Formattable number;
   icu::ParsePosition position(0);
-  reader_->parse(units, number, position);
-  if (units.isEmpty() || position.getIndex() != units.length() || hasSeveralSigns(units))
-    return std::nullopt;
+  reader.parse(text, number, position);
+  if (position.getIndex() != text.length()) return std::nullopt;
   UErrorCode status = U_ZERO_ERROR;
   const icu::StringPiece decimal = number.getDecimalNumber(status);
   if (U_FAILURE(status)) return std::nullopt;

@@ -43,10 +43,13 @@ class NumberFormatEngine final {
   void findPatterns(const NumberFormatSettings& settings);
   void apply(icu::DecimalFormat& format, const std::string& prefix) const;
   void makeCurrencyReader();
+  static std::optional<NSDecimal> read(const icu::DecimalFormat& reader,
+                                       const icu::UnicodeString& text);
 
   std::unique_ptr<icu::DecimalFormat> format_;
-  /// Reads; in the currency style it knows the currency, even if the pattern does not show it.
   std::unique_ptr<icu::DecimalFormat> reader_;
+  /// For amounts with a currency where the pattern shows none.
+  std::unique_ptr<icu::DecimalFormat> currencyReader_;
   std::string positivePattern_;
   std::string negativePattern_;
 };

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
+#include <cstdint>
 
 #include "Platform/Text/Text.h"
 
@@ -18,16 +20,33 @@ constexpr auto kIsUnreserved = [] {
   return table;
 }();
 
+/// Without a branch a byte, which makes it a fraction of the whole check.
+bool isASCII(std::string_view text) noexcept {
+  unsigned char all = 0;
+  for (const char c : text)
+    all |= static_cast<unsigned char>(c);
+  return all < 0x80;
+}
+
 constexpr bool isUnreserved(char c) noexcept {
   return kIsUnreserved[static_cast<unsigned char>(c)];
 }
 
-/// 0 to 15; -1 for another character.
+/// 0 to 15; -1 for a byte that is no hexadecimal digit.
+constexpr auto kHexadecimalValues = [] {
+  std::array<std::int8_t, 256> table{};
+  table.fill(-1);
+  for (std::int8_t i = 0; i < 10; ++i)
+    table[static_cast<std::size_t>('0' + i)] = i;
+  for (std::int8_t i = 10; i < 16; ++i) {
+    table[static_cast<std::size_t>('A' + i - 10)] = i;
+    table[static_cast<std::size_t>('a' + i - 10)] = i;
+  }
+  return table;
+}();
+
 constexpr int hexadecimalValue(char c) noexcept {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  return -1;
+  return kHexadecimalValues[static_cast<unsigned char>(c)];
 }
 
 /// The byte of the escape that a text begins with; -1 if it is not whole.
@@ -42,7 +61,7 @@ constexpr int escapedByte(std::string_view text) noexcept {
 
 std::optional<std::string> addPercentEscapes(std::string_view text) {
   constexpr std::string_view kDigits = "0123456789ABCDEF";
-  if (!isValidUtf8(text)) return std::nullopt;
+  if (!isASCII(text) && !isValidUtf8(text)) return std::nullopt;
   const auto plain = static_cast<std::size_t>(std::ranges::count_if(text, isUnreserved));
   std::string result(plain + 3 * (text.size() - plain), '%');
   char* out = result.data();
@@ -60,19 +79,20 @@ std::optional<std::string> addPercentEscapes(std::string_view text) {
 }
 
 std::optional<std::string> removePercentEscapes(std::string_view text) {
-  std::string result;
-  result.reserve(text.size());
-  while (!text.empty()) {
-    const std::size_t length = std::min(text.find('%'), text.size());
-    result.append(text, 0, length);
-    text.remove_prefix(length);
-    if (text.empty()) break;
-    const int byte = escapedByte(text);
+  std::string result(text.size(), '\0');
+  char* out = result.data();
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] != '%') {
+      *out++ = text[i];
+      continue;
+    }
+    const int byte = escapedByte(text.substr(i));
     if (byte < 0) return std::nullopt;
-    result += static_cast<char>(byte);
-    text.remove_prefix(3);
+    *out++ = static_cast<char>(byte);
+    i += 2;
   }
-  if (!isValidUtf8(result)) return std::nullopt;
+  result.resize(static_cast<std::size_t>(out - result.data()));
+  if (!isASCII(result) && !isValidUtf8(result)) return std::nullopt;
   return result;
 }
 
