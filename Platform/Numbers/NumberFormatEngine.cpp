@@ -117,7 +117,7 @@ NumberFormatEngine::NumberFormatEngine(const NumberFormatSettings& settings)
     apply(*format_, "");
   format_->setRoundingMode(libraryRounding(settings.rounding));
   reader_.reset(format_->clone());
-  reader_->setLenient(settings.isLenient);
+  reader_->setLenient(static_cast<UBool>(settings.isLenient));
   if (settings.isLenient && settings.style == NSNumberFormatterCurrencyStyle &&
       !hasCurrencySign(positivePattern_))
     makeCurrencyReader();

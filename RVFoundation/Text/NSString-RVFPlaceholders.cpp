@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "RVFoundation/Text/NSString-RVFPlaceholders.h"
 
-#include <algorithm>
-
 #include "Platform/Runtime/NSException.h"
+#include "Platform/Text/Format.h"
 
 namespace rvf {
 namespace {

@@ -5,8 +5,6 @@
 #include <string_view>
 
 #include "Platform/Export.h"
-#include "Platform/Text/Format.h"
-#include "Platform/Text/PathText.h"
 #include "Platform/Values/NSDictionary.h"
 
 namespace rvf {
@@ -20,13 +18,5 @@ namespace rvf {
 /// Raises `NSInvalidArgumentException` if a placeholder is not closed.
 RVF_EXPORT std::string stringByReplacingPlaceholdersWithDictionaryValues(
     std::string_view text, const Ref<NSDictionary>& dictionary);
-
-/// The path with the filled format as one more component (see `formatText`, which raises for a
-/// wrong format, and `appendPathComponent`).
-template <class... Arguments>
-std::string relativePathWithFormat(std::string_view path, std::string_view format,
-                                   const Arguments&... arguments) {
-  return appendPathComponent(path, stringWithFormat(format, arguments...));
-}
 
 }  // namespace rvf

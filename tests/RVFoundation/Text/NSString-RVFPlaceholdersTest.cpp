@@ -68,12 +68,5 @@ TEST(NSString_RVFPlaceholders, TakesATextOfTenMegabytes) {
   EXPECT_EQ(filled(std::string(10'000'000, '%')).size(), 10'000'000U);
 }
 
-TEST(NSString_RVFPlaceholders, AppendsAFilledFormatToAPath) {
-  EXPECT_EQ(relativePathWithFormat("/tmp", "%@-%d.txt", "till", 7), "/tmp/till-7.txt");
-  EXPECT_EQ(relativePathWithFormat("/tmp/", "x"), "/tmp/x");
-  EXPECT_EQ(relativePathWithFormat("", "%@/%@", "a", "b"), "a/b");
-  EXPECT_THROW(relativePathWithFormat("/tmp", "%@"), NSException);
-}
-
 }  // namespace
 }  // namespace rvf
