@@ -6,6 +6,11 @@ set(RVF_PACKAGE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/RVFoundation")
 
 # The two libraries lie side by side, wherever the prefix is.
 set_target_properties(RVFoundation PROPERTIES INSTALL_RPATH "$ORIGIN")
+if(TARGET rvf)
+  file(RELATIVE_PATH RVF_LIBRARIES_FROM_PROGRAMS "${CMAKE_INSTALL_FULL_BINDIR}"
+       "${CMAKE_INSTALL_FULL_LIBDIR}")
+  set_target_properties(rvf PROPERTIES INSTALL_RPATH "$ORIGIN/${RVF_LIBRARIES_FROM_PROGRAMS}")
+endif()
 
 install(
   TARGETS Platform RVFoundation

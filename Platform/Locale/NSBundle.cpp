@@ -1,11 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Platform/Locale/NSBundle.h"
 
+#include <dlfcn.h>
+
 #include <atomic>
 #include <cerrno>
+#include <filesystem>
 #include <functional>
 #include <map>
 #include <mutex>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -16,6 +20,16 @@
 
 namespace rvf {
 namespace {
+
+/// Beside the folder of the file that holds this code, wherever it was installed.
+std::string installedCatalogueFolder() {
+  Dl_info file{};
+  if (::dladdr(reinterpret_cast<const void*>(&installedCatalogueFolder), &file) == 0) return {};
+  std::error_code error;
+  const auto code = std::filesystem::canonical(file.dli_fname, error);
+  if (error) return {};
+  return (code.parent_path() / RVF_CATALOGUE_FOLDER).lexically_normal().string();
+}
 
 const ClassRegistration kRegistration(&NSBundle::classObject);
 
@@ -68,7 +82,7 @@ class NSBundle::State {
   std::vector<std::string> folders() const {
     std::vector<std::string> folders;
     if (folder_) folders.push_back(*folder_);
-    folders.emplace_back(RVF_CATALOGUE_FOLDER);
+    folders.push_back(installedCatalogueFolder());
     return folders;
   }
 

@@ -22,7 +22,7 @@ inline constexpr std::string_view kCFBundleVersionKey = "CFBundleVersion";
 ///
 /// A table is a gettext text domain of the same name. Its catalogues are looked for, for the
 /// current `NSLocale`, as LOCALE/LC_MESSAGES/TABLE.mo in the bundle's catalogue folder, if it has
-/// one, then in the folder that this library was installed with.
+/// one, then in the one that was installed with this library.
 class RVF_EXPORT NSBundle final : public NSObject {
  public:
   /// `defaultTable` is the table that is meant where none is named.

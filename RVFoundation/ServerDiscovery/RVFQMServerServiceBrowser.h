@@ -53,7 +53,7 @@ class RVF_EXPORT RVFQMServerServiceBrowser final : public NSObject,
   std::vector<Ref<RVFQMServerService>> services() const;
 
   /// Searches all default browsing domains. Stop a running search first. A search that the
-  /// platform cannot start reports nothing.
+  /// platform cannot start reports nothing: the `isResponding` of its back end tells.
   void startBrowsingWithServiceListChangedHandler(ServiceListChangedHandler handler);
   /// Ends the search and forgets all servers; no report arrives afterwards.
   void stop();

@@ -43,7 +43,8 @@ RVF_EXPORT RVFServerAddressParts RVFSplitServerAddress(std::string_view address)
 /// Belongs to the main thread, whose run loop must run for a resolution to be delivered.
 class RVF_EXPORT RVFStaticServer : public NSObject {
  public:
-  /// One data block a socket address, in the resolver's order.
+  /// One data block a socket address, in the resolver's order. `SocketAddress` reads them,
+  /// `RVF_CURLURLWithAddressData` makes the base URL.
   using Addresses = std::vector<Ref<NSData>>;
   /// The outcome of a resolution: the addresses found (empty beside an error, absent when it was
   /// abandoned), or why there are none. `wasReplaced` says that a newer resolution took its place.

@@ -16,3 +16,12 @@ run("${CMAKE_COMMAND}" -S "${PROJECT_DIR}" -B "${WORK_DIR}/build" -G Ninja
     "-DCMAKE_CXX_FLAGS=${CXX_FLAGS}")
 run("${CMAKE_COMMAND}" --build "${WORK_DIR}/build")
 run("${WORK_DIR}/build/consumer")
+
+# The tool finds its libraries and its translations there, too.
+if(EXISTS "${WORK_DIR}/moved/bin/rvf")
+  execute_process(COMMAND "${CMAKE_COMMAND}" -E env LC_ALL=de_DE.UTF-8
+                          "${WORK_DIR}/moved/bin/rvf" expiry 1325 ERROR_VARIABLE problem)
+  if(NOT problem MATCHES "Ablaufmonat '13'")
+    message(FATAL_ERROR "the installed tool does not speak German: ${problem}")
+  endif()
+endif()

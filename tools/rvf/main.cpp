@@ -57,11 +57,25 @@ CLI::Validator isDuration() {
           "SECONDS"};
 }
 
+/// The same for what must not be over at once.
+CLI::Validator isTimeout() {
+  return {[](std::string& text) -> std::string {
+            std::string problem = isDuration()(text);
+            if (problem.empty() && std::strtod(text.c_str(), nullptr) == 0) {
+              problem = "the time must be longer than 0 seconds";
+            }
+            return problem;
+          },
+          "SECONDS"};
+}
+
 void addBrowse(CLI::App& app, BrowseOptions& options, ExitCode& result) {
   auto* command =
       app.add_subcommand("browse", "List the servers of the network as they come and go");
   command->add_flag("--json", options.asJson, "One JSON object a line");
-  command->add_option("--for", options.seconds, "Stop after this many seconds")
+  command
+      ->add_option("--for", options.seconds,
+                   "Stop after this many seconds; default: when interrupted")
       ->check(isDuration());
   command->callback([&] { result = rvf::tool::browseCommand(options); });
 }
@@ -71,7 +85,7 @@ void addResolve(CLI::App& app, ConnectOptions& options, ExitCode& result) {
   command->add_option("NAME", options.name, "The server's name")->required();
   command->add_flag("--json", options.asJson, "Print a JSON object");
   command->add_option("--timeout", options.timeoutSeconds, "Seconds")
-      ->check(isDuration() & CLI::PositiveNumber)
+      ->check(isTimeout())
       ->capture_default_str();
   command->callback([&] {
     result = rvf::tool::resolveCommand(options.name, options.timeoutSeconds, options.asJson);
@@ -89,7 +103,7 @@ void addConnect(CLI::App& app, ConnectOptions& options, ExitCode& result) {
   command->add_option("--ca-file", options.authorityFile,
                       "Certificate authority to verify against (PEM); default: the system's");
   command->add_option("--timeout", options.timeoutSeconds, "Seconds to find the server")
-      ->check(isDuration() & CLI::PositiveNumber)
+      ->check(isTimeout())
       ->capture_default_str();
   command->add_flag("--json", options.asJson, "Print a JSON object");
   command->callback([&] { result = rvf::tool::connectCommand(options); });
@@ -156,12 +170,14 @@ ExitCode run(int argc, char** argv) {
   TextOptions text;
   CLI::App app("Tools of the RVFoundation library");
   app.require_subcommand(1);
+  app.fallthrough();
   app.footer(kFooter);
   app.set_version_flag("--version", RVF_TOOL_VERSION);
   app.add_option_function<rvf::ServiceDiscoveryChoice>(
          "--backend", [](const auto& choice) { rvf::ServiceDiscovery::setChoice(choice); },
          "Discovery: automatic, daemon or embedded")
       ->transform(CLI::CheckedTransformer(discoveryChoices()))
+      ->option_text("WORD")
       ->trigger_on_parse();
   addBrowse(app, browse, result);
   addResolve(app, resolve, result);
