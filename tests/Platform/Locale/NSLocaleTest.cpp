@@ -77,5 +77,21 @@ TEST(NSLocale, LocalesOfOneIdentifierAreEqual) {
   EXPECT_FALSE(objectsAreEqual(locale, nullptr));
 }
 
+TEST(NSLocale, KnowsItsDecimalSeparator) {
+  const std::pair<const char*, const char*> rows[] = {
+      {"en_US", "."}, {"en_US_POSIX", "."}, {"de_DE", ","},     {"de_CH", "."},
+      {"ar_EG", "٫"}, {"xx_YY", "."},       {"\xFF/../x", "."}, {"", "."}};
+  for (const auto& [identifier, separator] : rows)
+    EXPECT_EQ(NSLocale(identifier).decimalSeparator(), separator) << identifier;
+}
+
+TEST(NSLocale, CountsTheChangesOfTheCurrentLocale) {
+  const unsigned long before = NSLocale::changesOfCurrentLocale();
+  NSLocale::setCurrentLocaleIdentifier("de_DE");
+  EXPECT_EQ(NSLocale::changesOfCurrentLocale(), before + 1);
+  NSLocale::setCurrentLocaleIdentifier(std::nullopt);
+  EXPECT_EQ(NSLocale::changesOfCurrentLocale(), before + 2);
+}
+
 }  // namespace
 }  // namespace rvf
