@@ -9,12 +9,16 @@
 #include "Platform/Network/URLComponents.h"
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
+#include "Platform/Storage/NSUserDefaults.h"
 #include "Platform/Text/PercentEncoding.h"
 
 namespace rvf {
 namespace {
 
 const ClassRegistration kRegistration(&NSURL::classObject);
+const StoredURLRegistration kStoredURLRegistration([](std::string_view text) -> id {
+  return NSURL::URLWithString(text);
+});
 
 constexpr bool isVisibleASCII(char c) noexcept {
   return c > ' ' && c < 0x7F;

@@ -162,6 +162,14 @@ std::int32_t intValueOfText(std::string_view text) noexcept {
   return number ? number->value : 0;
 }
 
+std::int64_t integerValueOfText(std::string_view text) noexcept {
+  return leadingInteger64(withoutPrefix(text, &isWhiteSpaceOrNewline));
+}
+
+double doubleValueOfText(std::string_view text) noexcept {
+  return leadingFraction(withoutPrefix(text, &isWhiteSpaceOrNewline));
+}
+
 bool boolValueOfText(std::string_view text) noexcept {
   text = withoutPrefix(text, &isWhiteSpace);
   if (text.starts_with('+') || text.starts_with('-')) text.remove_prefix(1);

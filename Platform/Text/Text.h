@@ -92,6 +92,14 @@ inline std::string_view trimText(std::string_view text, CharacterSet set) noexce
 /// ASCII digits; what follows is ignored. 0 without digits; the nearest limit if out of range.
 RVF_EXPORT std::int32_t intValueOfText(std::string_view text) noexcept;
 
+/// The same with the limits of 64 bits.
+RVF_EXPORT std::int64_t integerValueOfText(std::string_view text) noexcept;
+
+/// The fractional reading of a text: leading white space and line breaks, an optional sign, ASCII
+/// digits with at most one ".", and an exponent; what follows is ignored. 0 without digits;
+/// infinite if out of range. Nothing depends on any locale.
+RVF_EXPORT double doubleValueOfText(std::string_view text) noexcept;
+
 /// The boolean reading of a text: leading white space (no line breaks), then an optional sign and
 /// any "0" digits are passed over; true if "Y", "y", "T", "t" or a digit "1" to "9" follows.
 RVF_EXPORT bool boolValueOfText(std::string_view text) noexcept;

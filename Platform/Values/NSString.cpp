@@ -21,6 +21,9 @@ Class NSString::classObject() {
                                   .method<&NSString::length>("length")
                                   .method<&NSString::boolValue>("boolValue")
                                   .method<&NSString::uppercaseString>("uppercaseString")
+                                  .method<&NSString::integerValue>("integerValue")
+                                  .method<&NSString::floatValue>("floatValue")
+                                  .method<&NSString::doubleValue>("doubleValue")
                                   .method("copy", immutableCopyImplementation())
                                   .conformsTo("NSCopying")
                                   .registered();
@@ -41,6 +44,18 @@ Ref<NSString> NSString::stringWithUTF8Bytes(std::string_view bytes) {
 
 std::size_t NSString::length() const {
   return utf16Length(text_);
+}
+
+long NSString::integerValue() const {
+  return integerValueOfText(text_);
+}
+
+float NSString::floatValue() const {
+  return static_cast<float>(doubleValueOfText(text_));
+}
+
+double NSString::doubleValue() const {
+  return doubleValueOfText(text_);
 }
 
 int NSString::compare(const NSString& other) const {

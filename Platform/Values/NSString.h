@@ -31,6 +31,10 @@ class RVF_EXPORT NSString final : public NSObject {
   const std::string& string() const noexcept { return text_; }
   /// UTF-16 code units.
   std::size_t length() const;
+  /// What the text reads as, see `integerValueOfText` and `doubleValueOfText`.
+  long integerValue() const;
+  float floatValue() const;
+  double doubleValue() const;
   /// Negative, 0 or positive: the order by UTF-16 code unit.
   int compare(const NSString& other) const;
   /// See `boolValueOfText`.

@@ -82,9 +82,11 @@ ExitCode connectTo(const Finding& finding, const ConnectOptions& options) {
 }  // namespace
 
 ExitCode connectCommand(const ConnectOptions& options) {
-  const FindResult found = options.staticAddress
-                               ? findStaticServer(*options.staticAddress, options.timeoutSeconds)
-                               : findServer(options.name, options.timeoutSeconds);
+  const FindResult found =
+      options.staticAddress
+          ? findStaticServer(RVFStaticServer::staticServerWithAddress(*options.staticAddress),
+                             options.timeoutSeconds)
+          : findServer(options.name, options.timeoutSeconds);
   if (found.finding) return connectTo(*found.finding, options);
   complain(found.message);
   return found.code;

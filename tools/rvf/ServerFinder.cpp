@@ -9,7 +9,6 @@
 
 #include "RVFoundation/ServerDiscovery/NSNetService-RVFExtensions.h"
 #include "RVFoundation/ServerDiscovery/RVFQMServerServiceBrowser.h"
-#include "RVFoundation/ServerDiscovery/RVFStaticServer.h"
 #include "tools/rvf/DiscoveryCheck.h"
 #include "tools/terminal/SignalWatch.h"
 
@@ -146,10 +145,9 @@ FindResult findServer(const std::string& name, double timeoutSeconds) {
   return std::make_shared<ServerSearch>(name, timeoutSeconds)->run();
 }
 
-FindResult findStaticServer(const std::string& address, double timeoutSeconds) {
+FindResult findStaticServer(const Ref<RVFStaticServer>& server, double timeoutSeconds) {
   Search search;
   search.failAfter(timeoutSeconds, ExitCode::temporary, "the address does not resolve in time");
-  const auto server = RVFStaticServer::staticServerWithAddress(address);
   server->resolveUsingCompletion(
       [&search](const auto& resolved, const auto& addresses, const Ref<NSError>& error, bool) {
         if (error) {

@@ -6,6 +6,7 @@
 
 #include "Platform/RunLoop/NSRunLoop.h"
 #include "RVFoundation/ServerDiscovery/RVFQMServerService.h"
+#include "RVFoundation/ServerDiscovery/RVFStaticServer.h"
 #include "tools/rvf/Finding.h"
 #include "tools/terminal/ExitCode.h"
 
@@ -22,7 +23,7 @@ struct FindResult {
 /// Runs the main run loop meanwhile; SIGINT and SIGTERM end it.
 FindResult findServer(const std::string& name, double timeoutSeconds);
 
-/// Looks a hand-entered address up.
-FindResult findStaticServer(const std::string& address, double timeoutSeconds);
+/// Looks the address of a hand-entered server up.
+FindResult findStaticServer(const Ref<RVFStaticServer>& server, double timeoutSeconds);
 
 }  // namespace rvf::tool

@@ -19,6 +19,7 @@
 #include "tools/rvf/ExpiryCommand.h"
 #include "tools/rvf/FormatCommand.h"
 #include "tools/rvf/ResolveCommand.h"
+#include "tools/rvf/ServersCommand.h"
 #include "tools/rvf/SwipeCommand.h"
 #include "tools/rvf/TextCommand.h"
 #include "tools/terminal/CapableTerminal.h"
@@ -30,14 +31,15 @@ namespace {
 using rvf::tool::BrowseOptions;
 using rvf::tool::ConnectOptions;
 using rvf::tool::FormatOptions;
+using rvf::tool::ServersOptions;
 using rvf::tool::SwipeOptions;
 using rvf::tool::TextOptions;
 
 constexpr const char* kFooter =
     "Exit codes: 0 done, 64 wrong usage, 65 the answer is no well-formed gzip XML, or a swipe,\n"
     "date, value or text cannot be read, 66 a named file or standard input cannot be read, 68 no\n"
-    "such server, 69 discovery or server unavailable, 70 internal error, 74 output failed, 75 out\n"
-    "of time, 76 TLS or HTTP failed.";
+    "such server, 69 discovery or server unavailable, 70 internal error, 73 the list of servers\n"
+    "could not be saved, 74 output failed, 75 out of time, 76 TLS or HTTP failed.";
 
 /// https://no-color.org: any value that is not empty switches colour off.
 bool wantsColour() {
@@ -157,6 +159,51 @@ void addText(CLI::App& app, TextOptions& options, ExitCode& result) {
   command->callback([&] { result = rvf::tool::textCommand(options); });
 }
 
+/// One subcommand of "rvf servers".
+CLI::App* addServersCommand(CLI::App& servers, const char* name, const char* description,
+                            ServersOptions& options, ExitCode& result,
+                            ExitCode (*command)(const ServersOptions&)) {
+  auto* subcommand = servers.add_subcommand(name, description);
+  subcommand->add_flag("--json", options.asJson, "Print JSON");
+  subcommand->callback([&options, &result, command] { result = command(options); });
+  return subcommand;
+}
+
+void addServers(CLI::App& app, ServersOptions& options, ExitCode& result) {
+  using namespace rvf::tool;
+  auto* servers = app.add_subcommand("servers", "Keep the list of hand-entered servers");
+  servers->require_subcommand(1);
+  servers->add_option("--config-folder", options.configurationFolder,
+                      "Default: $XDG_CONFIG_HOME or ~/.config. The list is kept in "
+                      "rvf/defaults.plist beneath");
+  const auto add = [&](const char* name, const char* description,
+                       ExitCode (*command)(const ServersOptions&)) {
+    return addServersCommand(*servers, name, description, options, result, command);
+  };
+  const auto addIndex = [&](CLI::App* command) {
+    command->add_option("INDEX", options.index, "The position in the list, from 0")
+        ->check(CLI::NonNegativeNumber)
+        ->required();
+  };
+  const auto addServer = [&](CLI::App* command) {
+    command->add_option("ADDRESS", options.address, "HOST, HOST:PORT, [IPv6] or [IPv6]:PORT")
+        ->required();
+    command->add_option("--description", options.description,
+                        "Default: the next untitled name that is free");
+  };
+  add("list", "Print the servers in their order", &listServersCommand);
+  addServer(add("add", "Add a server at the end", &addServerCommand));
+  auto* insert = add("insert", "Insert a server", &insertServerCommand);
+  addIndex(insert);
+  addServer(insert);
+  addIndex(add("remove", "Remove a server", &removeServerCommand));
+  auto* resolve = add("resolve", "Look up the addresses of a server", &resolveServerCommand);
+  addIndex(resolve);
+  resolve->add_option("--timeout", options.timeoutSeconds, "Seconds")
+      ->check(isDuration() & CLI::PositiveNumber)
+      ->capture_default_str();
+}
+
 ExitCode run(int argc, char** argv) {
   ExitCode result = ExitCode::ok;
   BrowseOptions browse;
@@ -164,6 +211,7 @@ ExitCode run(int argc, char** argv) {
   ConnectOptions resolve;
   ConnectOptions connect;
   SwipeOptions swipe;
+  ServersOptions servers;
   std::string expiry;
   bool isExpiryJson = false;
   FormatOptions format;
@@ -186,6 +234,7 @@ ExitCode run(int argc, char** argv) {
   addExpiry(app, expiry, isExpiryJson, result);
   addFormat(app, format, result);
   addText(app, text, result);
+  addServers(app, servers, result);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

@@ -12,6 +12,7 @@ enum class ExitCode : int {
   noHost = EX_NOHOST,            ///< 68: no such server, or its name does not resolve
   unavailable = EX_UNAVAILABLE,  ///< 69: discovery or the server does not work
   software = EX_SOFTWARE,        ///< 70: an error of this program
+  cannotCreate = EX_CANTCREAT,   ///< 73: the list of servers could not be saved
   ioError = EX_IOERR,            ///< 74: output could not be written
   temporary = EX_TEMPFAIL,       ///< 75: out of time; try again
   protocol = EX_PROTOCOL,        ///< 76: TLS or HTTP failed: certificate, status

@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Platform/Storage/FileContents.h"
+
+#include <errno.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <string>
+
+#include "tests/Platform/Storage/TemporaryFolder.h"
+
+namespace rvf {
+namespace {
+
+TEST(FileContents, ReadsTheWholeFile) {
+  const TemporaryFolder folder;
+  for (const std::size_t size : {0, 1, 4096, 100'000}) {
+    writeBytes(folder.file("f"), std::string(size, 'x'));
+    const auto data = contentsOfFile(folder.file("f"));
+    ASSERT_TRUE(data);
+    EXPECT_EQ(data->characters(), std::string(size, 'x'));
+  }
+}
+
+TEST(FileContents, ReadsFilesThatDoNotKnowTheirSize) {
+  const auto data = contentsOfFile("/proc/self/status");
+  ASSERT_TRUE(data);
+  EXPECT_GT(data->length(), 100U);
+}
+
+TEST(FileContents, SaysWhyItCannotRead) {
+  const TemporaryFolder folder;
+  writeBytes(folder.file("f"), "");
+  const struct {
+    std::string path;
+    long code;
+    long cause;
+  } rows[] = {
+      {folder.file("none"), 260, ENOENT},
+      {folder.file("f/none"), 260, ENOTDIR},
+      {folder.path(), 256, EISDIR},
+  };
+  for (const auto& row : rows) {
+    Ref<NSError> error;
+    EXPECT_FALSE(contentsOfFile(row.path, &error)) << row.path;
+    ASSERT_TRUE(error) << row.path;
+    EXPECT_EQ(error->domain(), "NSCocoaErrorDomain") << row.path;
+    EXPECT_EQ(error->code(), row.code) << row.path;
+    EXPECT_EQ(error->userInfo()->textForKey("NSFilePath"), row.path);
+    ASSERT_TRUE(error->underlyingError()) << row.path;
+    EXPECT_EQ(error->underlyingError()->domain(), "NSPOSIXErrorDomain") << row.path;
+    EXPECT_EQ(error->underlyingError()->code(), row.cause) << row.path;
+  }
+}
+
+TEST(FileContents, NoPermissionHasACodeOfItsOwn) {
+  for (const int problem : {EACCES, EPERM})
+    EXPECT_EQ(fileReadErrorCode(problem), 257);
+  EXPECT_EQ(fileReadErrorCode(EIO), 256);
+}
+
+}  // namespace
+}  // namespace rvf

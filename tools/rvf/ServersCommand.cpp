@@ -1,0 +1,175 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "tools/rvf/ServersCommand.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <iostream>
+#include <memory>
+
+#include "Platform/Text/Text.h"
+#include "RVFoundation/ServerDiscovery/RVFStaticServerList.h"
+#include "tools/rvf/ServerFinder.h"
+
+namespace rvf::tool {
+namespace {
+
+using Servers = RVFStaticServerList;
+
+std::string environmentText(const char* name) {
+  const char* value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe): one thread yet
+  return value ? value : "";
+}
+
+Ref<NSUserDefaults> defaultsOf(const ServersOptions& options) {
+  const std::string folder = options.configurationFolder
+                                 ? std::filesystem::absolute(*options.configurationFolder).string()
+                                 : environmentText("XDG_CONFIG_HOME");
+  return NSUserDefaults::userDefaultsWithFile(
+      NSUserDefaults::filePath(folder, environmentText("HOME"), "rvf"));
+}
+
+std::string messageOf(const NSError& error) {
+  const auto path =
+      error.userInfo() ? error.userInfo()->textForKey(NSFilePathErrorKey) : std::nullopt;
+  const auto cause = error.underlyingError();
+  return path.value_or("") + ": " +
+         (cause ? cause->localizedDescription() : error.localizedDescription());
+}
+
+/// Complains about defaults that could not be read or written, as the caller says.
+ExitCode fail(const NSUserDefaults& defaults, ExitCode code) {
+  const auto error = defaults.synchronizationError();
+  complain(error ? messageOf(*error) : "the list could not be saved");
+  return code;
+}
+
+ExitCode failWithoutServer(std::size_t index) {
+  complain("there is no server " + std::to_string(index));
+  return ExitCode::noHost;
+}
+
+nlohmann::json jsonOf(const std::optional<std::string>& text) {
+  return text ? nlohmann::json(*text) : nlohmann::json();
+}
+
+nlohmann::json jsonOf(const RVFStaticServer& server, std::size_t index) {
+  return {{"index", index},
+          {"address", jsonOf(server.serverAddress())},
+          {"description", jsonOf(server.serverDescription())},
+          {"id", jsonOf(server.serverId())},
+          {"displayName", server.displayName()}};
+}
+
+void printLine(const RVFStaticServer& server, std::size_t index) {
+  std::cout << index << "\t" << printable(server.serverAddress().value_or("")) << "\t"
+            << printable(server.displayName()) << "\n";
+}
+
+ExitCode print(const RVFStaticServer& server, const ServersOptions& options) {
+  if (options.asJson) {
+    std::cout << jsonText(jsonOf(server, options.index)) << "\n";
+  } else {
+    printLine(server, options.index);
+  }
+  return std::cout.flush() ? ExitCode::ok : ExitCode::ioError;
+}
+
+/// Runs `change`, which answers the server it was about or none if there is no such index, on the
+/// newest list, and prints the server.
+ExitCode changeList(
+    ServersOptions options,
+    const std::function<Ref<RVFStaticServer>(Servers&, std::size_t& index)>& change) {
+  const auto defaults = defaultsOf(options);
+  Ref<RVFStaticServer> server;
+  const bool isSaved = defaults->performExclusively([&] {
+    Servers list(defaults);
+    server = change(list, options.index);
+  });
+  if (!isSaved) return fail(*defaults, ExitCode::cannotCreate);
+  return server ? print(*server, options) : failWithoutServer(options.index);
+}
+
+Ref<RVFStaticServer> newServer(const ServersOptions& options, const Servers& list) {
+  auto server = RVFStaticServer::staticServerWithAddress(options.address);
+  server->setServerDescription(options.description ? *options.description
+                                                   : list.nextUntitledServerName());
+  return server;
+}
+
+bool isStorable(const ServersOptions& options) {
+  if (isValidUtf8(options.address) && isValidUtf8(options.description.value_or(""))) return true;
+  complain("address and description must be UTF-8");
+  return false;
+}
+
+}  // namespace
+
+ExitCode listServersCommand(const ServersOptions& options) {
+  const auto defaults = defaultsOf(options);
+  const Servers list(defaults);
+  if (!defaults->synchronize()) return fail(*defaults, ExitCode::noInput);
+  nlohmann::json servers = nlohmann::json::array();
+  for (std::size_t index = 0; index < list.serverCount(); ++index) {
+    const auto server = list.serverAtIndex(index);
+    if (options.asJson) {
+      servers.push_back(jsonOf(*server, index));
+    } else {
+      printLine(*server, index);
+    }
+  }
+  if (options.asJson) std::cout << jsonText(servers) << "\n";
+  return std::cout.flush() ? ExitCode::ok : ExitCode::ioError;
+}
+
+ExitCode addServerCommand(const ServersOptions& options) {
+  if (!isStorable(options)) return ExitCode::usage;
+  return changeList(options, [&](Servers& list, std::size_t& index) {
+    const auto server = newServer(options, list);
+    index = list.serverCount();
+    list.addServer(server);
+    return server;
+  });
+}
+
+ExitCode insertServerCommand(const ServersOptions& options) {
+  if (!isStorable(options)) return ExitCode::usage;
+  return changeList(options, [&](Servers& list, const std::size_t& index) -> Ref<RVFStaticServer> {
+    if (index > list.serverCount()) return nullptr;
+    const auto server = newServer(options, list);
+    list.insertServer(server, index);
+    return server;
+  });
+}
+
+ExitCode removeServerCommand(const ServersOptions& options) {
+  return changeList(options, [](Servers& list, const std::size_t& index) -> Ref<RVFStaticServer> {
+    if (index >= list.serverCount()) return nullptr;
+    const auto server = list.serverAtIndex(index);
+    list.removeServerAtIndex(index);
+    return server;
+  });
+}
+
+ExitCode resolveServerCommand(const ServersOptions& options) {
+  const auto defaults = defaultsOf(options);
+  const Servers list(defaults);
+  if (!defaults->synchronize()) return fail(*defaults, ExitCode::noInput);
+  if (options.index >= list.serverCount()) return failWithoutServer(options.index);
+  const FindResult found =
+      findStaticServer(list.serverAtIndex(options.index), options.timeoutSeconds);
+  if (!found.finding) {
+    complain(found.message);
+    return found.code;
+  }
+  if (options.asJson) {
+    std::cout << jsonText(jsonOf(*found.finding)) << "\n";
+  } else {
+    printText(*found.finding);
+    for (const Ref<NSData>& address : found.finding->addresses)
+      std::cout << "url          " << baseUrlText(address) << "\n";
+  }
+  return std::cout.flush() ? ExitCode::ok : ExitCode::ioError;
+}
+
+}  // namespace rvf::tool
