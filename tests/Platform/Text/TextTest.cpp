@@ -5,6 +5,10 @@
 #include <gtest/gtest.h>
 #include <rapidcheck.h>
 
+#include <cstdint>
+#include <limits>
+#include <string>
+
 #include "Platform/Text/Utf8.h"
 #include "tests/Platform/Text/TextGenerators.h"
 
@@ -334,6 +338,51 @@ TEST(Text, KnowsWhiteSpaceAndNewlines) {
     EXPECT_TRUE(isNewline(newline) && !isWhiteSpace(newline)) << std::hex << newline;
   for (const unsigned other : {0x08U, 0x0EU, 0x41U, 0x86U, 0x180EU, 0x1FFFU, 0x200BU, 0xFEFFU})
     EXPECT_FALSE(isWhiteSpaceOrNewline(other)) << std::hex << other;
+}
+
+TEST(Text, ReadsIntegersOf64BitsAndFractions) {
+  constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  constexpr auto kGreatest = std::numeric_limits<std::int64_t>::max();
+  const struct {
+    std::string_view text;
+    std::int64_t integer;
+    double fraction;
+  } rows[] = {
+      {"12abc", 12, 12},
+      {" \n+7", 7, 7},
+      {"-01", -1, -1},
+      {"", 0, 0},
+      {"abc", 0, 0},
+      {"--1", 0, 0},
+      {"+-1", 0, 0},
+      {"-", 0, 0},
+      {"yes", 0, 0},
+      {"99999999999", 99999999999, 99999999999.0},
+      {"9223372036854775807", kGreatest, 9223372036854775807.0},
+      {"99999999999999999999", kGreatest, 1e20},
+      {"-99999999999999999999", -kGreatest - 1, -1e20},
+      {"0x1F", 0, 0},
+      {"010", 10, 10},
+      {"1.9", 1, 1.9},
+      {"1,5", 1, 1},
+      {"1e3", 1, 1000},
+      {"-1.5e-3x", -1, -0.0015},
+      {".5", 0, 0.5},
+      {"5.", 5, 5},
+      {".", 0, 0},
+      {"1e400", 1, kInfinity},
+      {"-1e400", -1, -kInfinity},
+      {"1e-400", 1, 0},
+      {"inf", 0, 0},
+      {"nan", 0, 0},
+      {"-inf", 0, 0},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(integerValueOfText(row.text), row.integer) << row.text;
+    EXPECT_EQ(doubleValueOfText(row.text), row.fraction) << row.text;
+  }
+  EXPECT_EQ(doubleValueOfText(std::string(400, '9')), kInfinity);
+  EXPECT_EQ(doubleValueOfText("0." + std::string(400, '0') + "1"), 0);
 }
 
 }  // namespace

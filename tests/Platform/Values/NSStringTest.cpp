@@ -87,5 +87,15 @@ TEST(NSString, AnswersItsUpperCase) {
   EXPECT_EQ(send<std::string>(box("straße"), SEL("uppercaseString")), "STRASSE");
 }
 
+TEST(NSString, ReadsAsNumbers) {
+  const auto text = box(" 1.5x");
+  EXPECT_EQ(text->integerValue(), 1);
+  EXPECT_EQ(text->floatValue(), 1.5F);
+  EXPECT_EQ(text->doubleValue(), 1.5);
+  EXPECT_TRUE(text->boolValue());
+  EXPECT_EQ(send<double>(text, SEL("doubleValue")), 1.5);
+  EXPECT_FALSE(box("no")->boolValue());
+}
+
 }  // namespace
 }  // namespace rvf

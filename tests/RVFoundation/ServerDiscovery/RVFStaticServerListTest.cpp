@@ -56,8 +56,8 @@ using Addresses = std::vector<std::string>;
 
 INSTANTIATE_TEST_SUITE_P(Stores, RVFStaticServerListTest,
                          testing::Values(StoreKind::testing, StoreKind::file),
-                         [](const auto& info) {
-                           return info.param == StoreKind::testing ? "InMemory" : "InAFile";
+                         [](const auto& store) {
+                           return store.param == StoreKind::testing ? "InMemory" : "InAFile";
                          });
 
 TEST_P(RVFStaticServerListTest, IsEmptyWithoutAStoredList) {
