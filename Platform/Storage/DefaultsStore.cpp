@@ -15,7 +15,7 @@ class DefaultsStore::LockHold final {
     if (isOuter_) store_.lock_ = store_.file_->lock();
   }
   ~LockHold() {
-    if (isOuter_) const OwnedDescriptor released = std::exchange(store_.lock_, OwnedDescriptor());
+    if (isOuter_) store_.lock_ = OwnedDescriptor();
   }
   LockHold(const LockHold&) = delete;
   LockHold& operator=(const LockHold&) = delete;
@@ -128,23 +128,25 @@ bool DefaultsStore::refresh() {
 bool DefaultsStore::setDamagedAside() {
   Ref<NSDictionary> contents;
   const LockHold hold(*this);
-  if (!hold) {
-    NSLog("User defaults: %@ is damaged and cannot be set aside", file_->path());
-    return fail();
-  }
   const DefaultsFile::State state = file_->read(contents);
   if (state == DefaultsFile::State::read) takeOver(*contents);
   if (state == DefaultsFile::State::unreadable) return fail();
   if (state == DefaultsFile::State::damaged) {
-    const auto newPath = file_->setAside();
-    if (!newPath) {
-      NSLog("User defaults: %@ is damaged and cannot be set aside", file_->path());
-      return fail();
-    }
-    NSLog("User defaults: %@ is damaged; it was set aside as %@", file_->path(), *newPath);
+    const auto newPath = hold ? file_->setAside() : std::nullopt;
+    tellOfDamage(newPath);
+    if (!newPath) return fail();
   }
   if (!contents) keepAllThatIsKnown();
   return true;
+}
+
+void DefaultsStore::tellOfDamage(const std::optional<std::string>& newPath) {
+  if (newPath) {
+    NSLog("User defaults: %@ is damaged; it was set aside as %@", file_->path(), *newPath);
+  } else if (!isDamageTold_) {
+    NSLog("User defaults: %@ is damaged and cannot be set aside", file_->path());
+  }
+  isDamageTold_ = !newPath;
 }
 
 bool DefaultsStore::write() {
@@ -167,8 +169,8 @@ bool DefaultsStore::write() {
 
 bool DefaultsStore::synchronize() {
   if (!file_) return true;
+  load();
   const std::lock_guard fileGuard(fileMutex_);
-  isLoaded_.store(true, std::memory_order_release);
   if (!isChanged()) {
     if (!refresh()) return false;
     if (!isChanged()) {
@@ -190,11 +192,11 @@ bool DefaultsStore::performExclusively(const std::function<void()>& work) {
     work();
     return true;
   }
+  load();
   const std::lock_guard fileGuard(fileMutex_);
   const LockHold hold(*this);
   if (!hold) return fail();
   if (!refresh()) return false;
-  isLoaded_.store(true, std::memory_order_release);
   work();
   return synchronize();
 }

@@ -45,6 +45,7 @@ class DefaultsStore final {
   void load();
   bool refresh();
   bool setDamagedAside();
+  void tellOfDamage(const std::optional<std::string>& newPath);
   bool write();
   void takeOver(const NSDictionary& contents);
   void keepAllThatIsKnown();
@@ -59,6 +60,7 @@ class DefaultsStore final {
   // Guarded by fileMutex_.
   std::optional<DefaultsFile> file_;
   OwnedDescriptor lock_;
+  bool isDamageTold_ = false;  // while it cannot be set aside
 
   std::atomic<bool> isLoaded_{false};
 

@@ -3,6 +3,8 @@
 
 #include <errno.h>
 #include <gtest/gtest.h>
+#include <sys/fsuid.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <string>
@@ -14,7 +16,7 @@ namespace {
 
 TEST(FileContents, ReadsTheWholeFile) {
   const TemporaryFolder folder;
-  for (const std::size_t size : {0, 1, 4096, 100'000}) {
+  for (const std::size_t size : {0U, 1U, 4096U, 100'000U}) {
     writeBytes(folder.file("f"), std::string(size, 'x'));
     const auto data = contentsOfFile(folder.file("f"));
     ASSERT_TRUE(data);
@@ -54,6 +56,21 @@ TEST(FileContents, SaysWhyItCannotRead) {
 }
 
 TEST(FileContents, NoPermissionHasACodeOfItsOwn) {
+  constexpr uid_t kNobody = 65534;
+  const TemporaryFolder folder;
+  writeBytes(folder.file("f"), "");
+  ASSERT_EQ(chmod(folder.file("f").c_str(), 0), 0);
+  // Root may read everything; its file accesses alone can be another user's.
+  const auto before = static_cast<uid_t>(setfsuid(kNobody));
+  Ref<NSError> error;
+  EXPECT_FALSE(contentsOfFile(folder.file("f"), &error));
+  setfsuid(before);
+  ASSERT_TRUE(error);
+  EXPECT_EQ(error->code(), 257);
+  EXPECT_EQ(error->underlyingError()->code(), EACCES);
+}
+
+TEST(FileContents, EveryProblemHasItsCode) {
   for (const int problem : {EACCES, EPERM})
     EXPECT_EQ(fileReadErrorCode(problem), 257);
   EXPECT_EQ(fileReadErrorCode(EIO), 256);

@@ -132,7 +132,10 @@ class DurabilityTest(unittest.TestCase):
         subprocess.run(["mount", "-o", "remount,rw", disk], check=True)
         self.assertEqual(probe.ask("sync"), ["1"])
         _, errors = probe.end()
-        self.assertIn("cannot be set aside", errors)
+        told = errors.splitlines()
+        self.assertEqual(len(told), 2, errors)
+        self.assertIn("cannot be set aside", told[0])
+        self.assertIn("was set aside", told[1])
         self.assertEqual((disk / "defaults.plist.damaged-1").read_bytes(), b"bplist00")
         self.assertEqual(self.addresses(), ["first"])
 
