@@ -29,8 +29,9 @@ void appendBigEndian(std::string& bytes, std::uint64_t value, std::size_t size) 
     bytes += static_cast<char>(value >> (8 * i) & 0xFF);
 }
 
-bool isPowerOfTwo(std::uint64_t size) noexcept {
-  return size == 1 || size == 2 || size == 4 || size == 8;
+/// Files of more than 64 kB may well have numbers of three bytes.
+bool isNumberSize(std::size_t size) noexcept {
+  return size >= 1 && size <= 8;
 }
 
 struct Trailer {
@@ -49,7 +50,7 @@ std::optional<Trailer> trailerOf(std::string_view bytes) noexcept {
                         bigEndian(end.substr(8, 8)), bigEndian(end.substr(16, 8)),
                         bigEndian(end.substr(24, 8))};
   const std::uint64_t tableEnd = bytes.size() - kTrailerSize;
-  if (!isPowerOfTwo(trailer.offsetSize) || !isPowerOfTwo(trailer.referenceSize)) return {};
+  if (!isNumberSize(trailer.offsetSize) || !isNumberSize(trailer.referenceSize)) return {};
   if (trailer.offsetTable <= kMagic.size() || trailer.offsetTable >= tableEnd) return {};
   const std::uint64_t room = (tableEnd - trailer.offsetTable) / trailer.offsetSize;
   if (trailer.objectCount > room || trailer.root >= trailer.objectCount) return {};

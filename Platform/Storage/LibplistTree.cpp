@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Platform/Storage/LibplistTree.h"
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -87,7 +88,32 @@ id textOfNode(plist_t node) {
   return isValidUtf8(bytes) ? box(bytes) : box(wellFormedUtf8(bytes));
 }
 
-id arrayOfNode(plist_t node) {
+id dataOfNode(plist_t node) {
+  std::uint64_t length = 0;
+  const char* bytes = plist_get_data_ptr(node, &length);
+  return NSData::dataWithBytes(std::string_view(bytes ? bytes : "", bytes ? length : 0));
+}
+
+/// Makes objects of nodes. Records of one kind have their keys in one order, so the keys that were
+/// last seen at each position are tried first and shared.
+class ObjectMaker final {
+ public:
+  id objectOfNode(plist_t node);
+
+ private:
+  struct Key {
+    std::string text;
+    id object;
+  };
+
+  id arrayOfNode(plist_t node);
+  id dictionaryOfNode(plist_t node);
+  const id& keyOfNode(plist_t node, std::size_t position);
+
+  std::vector<Key> keys_;
+};
+
+id ObjectMaker::arrayOfNode(plist_t node) {
   std::vector<id> objects;
   objects.reserve(plist_array_get_size(node));
   plist_array_iter position = nullptr;
@@ -102,32 +128,37 @@ id arrayOfNode(plist_t node) {
   }
 }
 
-id dictionaryOfNode(plist_t node) {
+id ObjectMaker::dictionaryOfNode(plist_t node) {
   NSDictionary::Entries entries;
   entries.reserve(plist_dict_get_size(node));
   plist_dict_iter position = nullptr;
   plist_dict_new_iter(node, &position);
   const std::unique_ptr<void, Freed> owner(position);
   for (plist_t item = nullptr;;) {
-    char* key = nullptr;
-    plist_dict_next_item(node, position, &key, &item);
-    const std::unique_ptr<char, Freed> keyOwner(key);
+    plist_dict_next_item(node, position, nullptr, &item);
     if (!item) return std::make_shared<NSDictionary>(std::move(entries));
     id object = objectOfNode(item);
     if (!object) return nullptr;
-    entries.insert_or_assign(box(wellFormedUtf8(key)), std::move(object));
+    entries.insert_or_assign(keyOfNode(plist_dict_item_get_key(item), entries.size()),
+                             std::move(object));
   }
 }
 
-id dataOfNode(plist_t node) {
-  std::uint64_t length = 0;
-  const char* bytes = plist_get_data_ptr(node, &length);
-  return NSData::dataWithBytes(std::string_view(bytes ? bytes : "", bytes ? length : 0));
+const id& ObjectMaker::keyOfNode(plist_t node, std::size_t position) {
+  constexpr std::size_t kMost = 64;  // what has more keys is no record
+  const std::size_t place = std::min(position, kMost);
+  if (place >= keys_.size()) keys_.resize(place + 1);
+  Key& key = keys_[place];
+  if (key.object && plist_key_val_compare(node, key.text.c_str()) == 0) return key.object;
+  char* text = nullptr;
+  plist_get_key_val(node, &text);
+  const std::unique_ptr<char, Freed> owner(text);
+  key.text = text ? text : "";
+  key.object = box(wellFormedUtf8(key.text));
+  return key.object;
 }
 
-}  // namespace
-
-id objectOfNode(plist_t node) {
+id ObjectMaker::objectOfNode(plist_t node) {
   switch (plist_get_node_type(node)) {
     case PLIST_BOOLEAN: {
       std::uint8_t value = 0;
@@ -155,6 +186,12 @@ id objectOfNode(plist_t node) {
     default:
       return nullptr;
   }
+}
+
+}  // namespace
+
+id objectOfNode(plist_t node) {
+  return ObjectMaker().objectOfNode(node);
 }
 
 plist_t LibplistNodeMaker::refuse(std::string_view problem) {

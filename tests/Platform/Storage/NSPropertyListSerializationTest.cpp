@@ -269,7 +269,7 @@ TEST(NSPropertyListSerialization, RefusesTrailersThatDoNotFit) {
   ASSERT_TRUE(read(good));
   const std::size_t trailer = good.size() - 32;
   for (std::size_t at = trailer + 6; at < good.size(); ++at) {
-    for (const int value : {0, 1, 2, 3, 4, 8, 13, 127, 255}) {
+    for (const int value : {0, 1, 2, 3, 4, 8, 9, 13, 127, 255}) {
       std::string bad = good;
       if (bad[at] == static_cast<char>(value)) continue;
       bad[at] = static_cast<char>(value);
@@ -281,6 +281,13 @@ TEST(NSPropertyListSerialization, RefusesTrailersThatDoNotFit) {
     expectRefused(std::string_view(good).substr(0, length));
   expectRefused("bplist01" + good.substr(8));
   expectRefused("bplist");
+}
+
+TEST(NSPropertyListSerialization, ReadsOffsetsOfAnySize) {
+  for (const std::size_t size : {10U, 1'000U, 100'000U, 20'000'000U}) {
+    const id list = NSArray::arrayWithObjects({box(std::string(size, 'x')), box("y")});
+    EXPECT_TRUE(objectsAreEqual(read(written(list, NSPropertyListFormat::binary)), list)) << size;
+  }
 }
 
 TEST(NSPropertyListSerialization, RefusesSharedCollectionsThatUnfoldWithoutEnd) {
