@@ -32,8 +32,19 @@ std::optional<std::string> textOf(const id& value) {
   return value ? std::optional(value->description()) : std::nullopt;
 }
 
-void store(const std::optional<std::string>& text, std::string_view key,
-           NSMutableDictionary& record) {
+/// Shared by all records, of which there may be thousands.
+struct RecordKeys {
+  id address = box(kAddressKey);
+  id description = box(kDescriptionKey);
+  id serverId = box(kIdKey);
+};
+
+const RecordKeys& recordKeys() {
+  static const RecordKeys kKeys;
+  return kKeys;
+}
+
+void store(const std::optional<std::string>& text, const id& key, NSMutableDictionary& record) {
   if (text) record.setObject(box(*text), key);
 }
 
@@ -139,9 +150,9 @@ void RVFStaticServer::setNameLookup(NameLookup lookup) {
 
 Ref<NSMutableDictionary> RVFStaticServer::dataDictionary() const {
   auto record = NSMutableDictionary::dictionary();
-  store(serverAddress_, kAddressKey, *record);
-  store(serverDescription_, kDescriptionKey, *record);
-  store(serverId_, kIdKey, *record);
+  store(serverAddress_, recordKeys().address, *record);
+  store(serverDescription_, recordKeys().description, *record);
+  store(serverId_, recordKeys().serverId, *record);
   return record;
 }
 
