@@ -249,10 +249,9 @@ plist_t LibplistNodeMaker::nodeOfDictionary(const NSObject& object, std::size_t 
   for (const auto& [key, value] : static_cast<const NSDictionary&>(object)) {
     const std::string* text = textOfObject(*key);
     const std::string keyProblem = text ? problemOfText(*text, format_) : "a key that is no text";
-    const bool hasNul = text && text->find('\0') != std::string::npos;
     plist_t child = nullptr;
-    if (!keyProblem.empty() || hasNul) {
-      refuse(hasNul ? "a key with U+0000" : keyProblem);
+    if (!keyProblem.empty()) {
+      refuse(keyProblem);
     } else {
       child = nodeOf(value, depth + 1);
     }
@@ -268,23 +267,7 @@ plist_t LibplistNodeMaker::nodeOfDictionary(const NSObject& object, std::size_t 
 plist_t LibplistNodeMaker::nodeOfText(const std::string& text) {
   const std::string problem = problemOfText(text, format_);
   if (!problem.empty()) return refuse(problem);
-  if (text.find('\0') == std::string::npos) return plist_new_string(text.c_str());
-  std::string object = "\x6F\x13" + wordText(utf16Length(text));
-  const auto append = [&object](char32_t unit) {
-    object.append({static_cast<char>(unit >> 8), static_cast<char>(unit & 0xFF)});
-  };
-  for (std::string_view rest = text; !rest.empty();) {
-    const Utf8Unit character = firstUtf8Unit(rest);
-    rest.remove_prefix(character.length);
-    const char32_t beyond = character.codePoint - 0x10000;
-    if (character.codePoint < 0x10000) {
-      append(character.codePoint);
-    } else {
-      append(0xD800 | beyond >> 10);
-      append(0xDC00 | (beyond & 0x3FF));
-    }
-  }
-  return nodeOfBinary(object);
+  return plist_new_string(text.c_str());
 }
 
 plist_t LibplistNodeMaker::nodeOfDate(double seconds) {

@@ -28,7 +28,7 @@ class LibplistTree final {
 id objectOfNode(plist_t node);
 
 /// Makes nodes of objects. What libplist's own constructors would change (dates beyond 68 years
-/// around 2001 or finer than a microsecond, integers beyond 2^63 - 1, texts with U+0000) goes
+/// around 2001 or finer than a microsecond, integers beyond 2^63 - 1) goes
 /// through a small binary list.
 class LibplistNodeMaker final {
  public:

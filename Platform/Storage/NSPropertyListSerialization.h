@@ -30,10 +30,11 @@ inline constexpr long NSPropertyListWriteInvalidError = 3851;
 /// text form every leaf is a text or a data block, and a file of one bare word is a text.
 ///
 /// Limits: 256 collections inside one another, in both directions. Dates in XML are cut to whole
-/// seconds and lie in the years 1000 to 9999. A key cannot hold U+0000; a text cannot in XML, which
-/// has no room for most other controls either. One text or data block in XML may be 10 MB long.
-/// Binary lists without room for themselves (shared collections that unfold to more than 256 MB,
-/// or four times the file) are refused, and so are references of an archive.
+/// seconds and lie in the years 1000 to 9999. Keys with U+0000 are neither read nor written; texts
+/// with it are read, but not written. XML has no room for most other controls either. One text or
+/// data block in XML may be 10 MB long. Binary lists without room for themselves (shared
+/// collections that unfold to more than 256 MB, or four times the file) are refused, and so are
+/// references of an archive.
 ///
 /// Thread-safe.
 class RVF_EXPORT NSPropertyListSerialization final : public NSObject {

@@ -23,7 +23,7 @@ class DefaultsStore;
 ///     defaults->setInteger(3, "drawer");
 ///     if (!defaults->synchronize()) { … }
 ///
-/// Values are property lists, see `NSPropertyListSerialization`; anything else, keys with U+0000
+/// Values are property lists, see `NSPropertyListSerialization`; anything else, texts with U+0000
 /// and texts that are not UTF-8 included, raises `NSInvalidArgumentException`. Setting takes a deep
 /// immutable copy; what is read is immutable. A key that has no value has its registered one.
 ///

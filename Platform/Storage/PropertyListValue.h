@@ -24,8 +24,8 @@ enum class PropertyListKind {
 /// What an object is in a property list; its elements are not looked at.
 PropertyListKind propertyListKind(const NSObject& object);
 
-/// Why a form has no room for a text: it is not UTF-8, or holds a character that XML excludes
-/// (XML 1.0, 2.2). Empty if there is room.
+/// Why a form has no room for a text: it is not UTF-8, holds U+0000, or a character that XML
+/// excludes (XML 1.0, 2.2). Empty if there is room.
 std::string problemOfText(std::string_view text, NSPropertyListFormat format);
 
 /// A deep immutable copy that shares what is immutable anyway, to be put into a dictionary. Raises

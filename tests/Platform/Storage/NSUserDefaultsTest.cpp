@@ -153,6 +153,7 @@ TEST_F(NSUserDefaultsTest, RefusesWhatNoPropertyListHolds) {
       std::make_shared<NSDictionary>(NSDictionary::Entries{{box(1), box(1)}}),
       NSDictionary::dictionaryWithEntries({{"a\0"s, box(1)}}),
       box("\xFF"),
+      box("a\0b"s),
       cyclic,
   };
   for (const id& value : values) {

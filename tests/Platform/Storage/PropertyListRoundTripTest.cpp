@@ -30,7 +30,9 @@ std::string without(std::string text, bool (*isExcluded)(unsigned char)) {
 /// Text that the form has room for.
 rc::Gen<std::string> textFor(NSPropertyListFormat format) {
   return rc::gen::map(anyText(), [format](std::string text) {
-    if (format == NSPropertyListFormat::binary) return text;
+    if (format == NSPropertyListFormat::binary) {
+      return without(std::move(text), [](unsigned char c) { return c == 0; });
+    }
     for (const char* excluded : {"\xEF\xBF\xBE", "\xEF\xBF\xBF"}) {
       for (std::size_t at = 0; (at = text.find(excluded)) != std::string::npos;)
         text.erase(at, 3);
