@@ -97,7 +97,7 @@ class RVF_EXPORT NSNumberFormatter : public NSFormatter {
   /// The same but for an absent value, which gives the empty text.
   std::optional<std::string> editingStringForObjectValue(const id& value) override;
   /// The whole text must be a number, but for white space at its ends. Decimals are neither limited
-  /// nor rounded.
+  /// nor rounded; but a text of more than 10,000 characters is none.
   bool getObjectValue(id* object, std::string_view forString,
                       std::string* errorDescription = nullptr) override;
   /// The number that the whole text is, read as above; absent if it is none.

@@ -21,9 +21,9 @@ namespace {
 
 using Symbols = icu::DecimalFormatSymbols;
 
-/// The longest text of a number, grouped, has some 400 characters. The library takes a time to read
-/// one that grows with the square of its digits.
-constexpr std::size_t kLongestNumber = 1000;
+/// The largest number, grouped, has some 400 characters; decimals may follow. The library takes a
+/// time to read a text that grows with the square of its digits.
+constexpr std::int32_t kLongestNumber = 10'000;
 
 icu::StringPiece piece(std::string_view text) noexcept {
   return {text.data(), static_cast<std::int32_t>(text.size())};
@@ -176,9 +176,10 @@ std::string NumberFormatEngine::text(double infinity) const {
 }
 
 std::optional<NSDecimal> NumberFormatEngine::number(std::string_view text) const {
-  if (text.size() > kLongestNumber || !isValidUtf8(text)) return std::nullopt;
+  if (!isValidUtf8(text)) return std::nullopt;
   const icu::UnicodeString units = trimmed(icu::UnicodeString::fromUTF8(piece(text)));
-  if (units.isEmpty() || hasSeveralSigns(units)) return std::nullopt;
+  if (units.isEmpty() || units.length() > kLongestNumber || hasSeveralSigns(units))
+    return std::nullopt;
   if (const auto value = read(*reader_, units)) return value;
   return currencyReader_ ? read(*currencyReader_, units) : std::nullopt;
 }

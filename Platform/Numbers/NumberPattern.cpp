@@ -32,7 +32,7 @@ void walkPattern(std::string_view pattern,
 }
 
 bool meansMoreToTheLibrary(std::string_view character) {
-  constexpr std::string_view kMarks = "+%;@E*";
+  constexpr std::string_view kMarks = "+%;@E*123456789";
   return character == kPerMille ||
          (character.size() == 1 && kMarks.find(character.front()) != std::string_view::npos);
 }

@@ -64,8 +64,9 @@ Class RVFByteSizeFormatter::isa() const {
   return classObject();
 }
 
-std::string RVFByteSizeFormatter::stringFromByteCount(std::uint64_t count, bool includeUnits) {
-  return textOf(count, includeUnits, classObject());
+std::string RVFByteSizeFormatter::stringFromByteCountForClass(Class receiver, std::uint64_t count,
+                                                              bool includeUnits) {
+  return textOf(count, includeUnits, receiver);
 }
 
 std::optional<std::string> RVFByteSizeFormatter::stringForObjectValue(const id& value) {

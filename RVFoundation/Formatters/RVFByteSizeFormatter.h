@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <concepts>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -17,7 +18,11 @@ class RVF_EXPORT RVFByteSizeFormatter : public NSFormatter {
   static Class classObject();
   Class isa() const override;
 
-  static std::string stringFromByteCount(std::uint64_t count, bool includeUnits);
+  /// With the texts of the receiving class's bundle, a subclass's if one is named.
+  template <std::derived_from<RVFByteSizeFormatter> Receiver = RVFByteSizeFormatter>
+  static std::string stringFromByteCount(std::uint64_t count, bool includeUnits) {
+    return stringFromByteCountForClass(Receiver::classObject(), count, includeUnits);
+  }
 
   /// Whether the unit is written behind the number; not so by default.
   bool includeUnits() const noexcept { return includeUnits_; }
@@ -30,6 +35,9 @@ class RVF_EXPORT RVFByteSizeFormatter : public NSFormatter {
       const id& value, const Ref<NSDictionary>& withDefaultAttributes) override;
 
  private:
+  static std::string stringFromByteCountForClass(Class receiver, std::uint64_t count,
+                                                 bool includeUnits);
+
   bool includeUnits_ = false;
 };
 

@@ -36,7 +36,7 @@ std::vector<std::string> wordComponents(std::string_view text) {
 
 std::size_t RVF_occurrenceCountOfSubstring(std::string_view text,
                                            std::string_view substring) noexcept {
-  if (substring.empty()) return 0;
+  if (substring.empty() || text.size() < substring.size()) return 0;
   std::size_t count = 0;
   // Unlike std::search and find, memmem takes linear time for every text and substring.
   const char* end = text.data() + text.size();

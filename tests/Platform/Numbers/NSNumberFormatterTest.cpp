@@ -89,6 +89,7 @@ TEST_F(NSNumberFormatterTest, APatternReplacesDigitsGroupingAndAffixes) {
       {"#,##0.00 'x'", "1", "1.00 x"},
       {"#0", "1e30", "1000000000000000000000000000000"},
       {"a0", "7", "a7"},
+      {"0 m2", "7", "7 m2"},
       {"#,##,##0", "12345678", "1,23,45,678"},
   };
   for (const auto& [pattern, value, expected] : rows) {
@@ -326,6 +327,13 @@ TEST_F(NSNumberFormatterTest, DescribesAFailedReadingInTheUsersLanguage) {
   EXPECT_FALSE(quantity("de_DE")->getObjectValue(nullptr, "abc", &description));
   bundle->setCatalogueFolder(std::nullopt);
   EXPECT_EQ(description, "Der Wert „abc“ ist ungültig.");
+}
+
+TEST_F(NSNumberFormatterTest, LongTextsAreReadUpToTenThousandCharacters) {
+  const auto reader = quantity("en_US");
+  EXPECT_TRUE(reader->numberFromString(std::string(20'000, ' ') + "5"));
+  EXPECT_TRUE(reader->numberFromString("0." + std::string(5'000, '1')));
+  EXPECT_FALSE(reader->numberFromString(std::string(10'000'000, '1')));
 }
 
 TEST_F(NSNumberFormatterTest, ASuccessfulReadingStoresTheNumberOnly) {
