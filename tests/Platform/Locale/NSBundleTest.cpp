@@ -4,46 +4,14 @@
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
-#include <cstdint>
-#include <cstring>
 #include <filesystem>
-#include <fstream>
-#include <map>
 
 #include "Platform/Locale/NSLocale.h"
 #include "Platform/Values/NSString.h"
+#include "tests/Platform/Locale/CatalogueBytes.h"
 
 namespace rvf {
 namespace {
-
-using Entries = std::map<std::string, std::string>;  // in order of the keys, as the format asks
-
-constexpr const char* kHeader = "Content-Type: text/plain; charset=UTF-8\n";
-
-/// The bytes of a catalogue without hash table (GNU gettext manual, "The Format of GNU MO Files").
-std::string catalogueOf(const Entries& entries) {
-  constexpr std::uint32_t kHeaderSize = 28;
-  const auto count = static_cast<std::uint32_t>(entries.size());
-  std::string table(kHeaderSize + 16 * count, '\0');
-  const auto put = [&table](std::size_t offset, std::size_t value) {
-    const auto word = static_cast<std::uint32_t>(value);
-    std::memcpy(table.data() + offset, &word, sizeof word);
-  };
-  put(0, 0x950412DE);
-  put(8, count);
-  put(12, kHeaderSize);
-  put(16, kHeaderSize + 8 * count);
-  std::size_t at = kHeaderSize;
-  for (const auto& [key, text] : entries) {
-    for (const auto& [offset, part] : {std::pair(at, key), std::pair(at + 8 * count, text)}) {
-      put(offset, part.size());
-      put(offset + 4, table.size());
-      table += part + '\0';
-    }
-    at += 8;
-  }
-  return table;
-}
 
 class NSBundleTest : public testing::Test {
  protected:
@@ -59,9 +27,7 @@ class NSBundleTest : public testing::Test {
   }
 
   void write(const std::string& locale, const std::string& table, const std::string& bytes) const {
-    const auto folder = std::filesystem::path(folder_) / locale / "LC_MESSAGES";
-    std::filesystem::create_directories(folder);
-    std::ofstream(folder / (table + ".mo"), std::ios::binary) << bytes;
+    writeCatalogue(folder_, locale, table, bytes);
   }
 
   std::string folder_;
@@ -69,37 +35,37 @@ class NSBundleTest : public testing::Test {
 };
 
 TEST_F(NSBundleTest, LooksUpInTheDefaultAndInANamedTable) {
-  write("de", "Texts", catalogueOf({{"", kHeader}, {"Yes", "Ja"}}));
-  write("de", "Other", catalogueOf({{"", kHeader}, {"Yes", "Jawohl"}}));
+  write("de", "Texts", catalogueOf({{"", kCatalogueHeader}, {"Yes", "Ja"}}));
+  write("de", "Other", catalogueOf({{"", kCatalogueHeader}, {"Yes", "Jawohl"}}));
   EXPECT_EQ(bundle_->localizedStringForKey("Yes"), "Ja");
   EXPECT_EQ(bundle_->localizedStringForKey("Yes", "Other"), "Jawohl");
 }
 
 TEST_F(NSBundleTest, AnswersTheKeyWithoutCatalogueOrEntry) {
   EXPECT_EQ(bundle_->localizedStringForKey("Yes", "NoSuchTable"), "Yes");
-  write("de", "Texts", catalogueOf({{"", kHeader}, {"Yes", "Ja"}}));
+  write("de", "Texts", catalogueOf({{"", kCatalogueHeader}, {"Yes", "Ja"}}));
   EXPECT_EQ(bundle_->localizedStringForKey("No"), "No");
 }
 
 TEST_F(NSBundleTest, AnswersTheKeyForAnEmptyEntry) {
-  write("de", "Texts", catalogueOf({{"", kHeader}, {"Yes", ""}}));
+  write("de", "Texts", catalogueOf({{"", kCatalogueHeader}, {"Yes", ""}}));
   EXPECT_EQ(bundle_->localizedStringForKey("Yes"), "Yes");
 }
 
 TEST_F(NSBundleTest, AnswersEmptyTextForTheEmptyKey) {
-  write("de", "Texts", catalogueOf({{"", kHeader}, {"Yes", "Ja"}}));
+  write("de", "Texts", catalogueOf({{"", kCatalogueHeader}, {"Yes", "Ja"}}));
   EXPECT_EQ(bundle_->localizedStringForKey(""), "");
 }
 
 TEST_F(NSBundleTest, PrefersTheCatalogueOfTheCountry) {
-  write("de", "Texts", catalogueOf({{"", kHeader}, {"January", "Januar"}}));
-  write("de_AT", "Texts", catalogueOf({{"", kHeader}, {"January", "Jänner"}}));
+  write("de", "Texts", catalogueOf({{"", kCatalogueHeader}, {"January", "Januar"}}));
+  write("de_AT", "Texts", catalogueOf({{"", kCatalogueHeader}, {"January", "Jänner"}}));
   EXPECT_EQ(bundle_->localizedStringForKey("January"), "Jänner");
 }
 
 TEST_F(NSBundleTest, FollowsTheCurrentLocale) {
-  write("de", "Texts", catalogueOf({{"", kHeader}, {"Yes", "Ja"}}));
-  write("fr", "Texts", catalogueOf({{"", kHeader}, {"Yes", "Oui"}}));
+  write("de", "Texts", catalogueOf({{"", kCatalogueHeader}, {"Yes", "Ja"}}));
+  write("fr", "Texts", catalogueOf({{"", kCatalogueHeader}, {"Yes", "Oui"}}));
   EXPECT_EQ(bundle_->localizedStringForKey("Yes"), "Ja");
   NSLocale::setCurrentLocaleIdentifier("fr_FR");
   EXPECT_EQ(bundle_->localizedStringForKey("Yes"), "Oui");
@@ -108,14 +74,14 @@ TEST_F(NSBundleTest, FollowsTheCurrentLocale) {
 }
 
 TEST_F(NSBundleTest, FindsNothingMoreInAFolderThatWasTakenBack) {
-  write("de", "Texts", catalogueOf({{"", kHeader}, {"Yes", "Ja"}}));
+  write("de", "Texts", catalogueOf({{"", kCatalogueHeader}, {"Yes", "Ja"}}));
   EXPECT_EQ(bundle_->localizedStringForKey("Yes"), "Ja");
   bundle_->setCatalogueFolder(std::nullopt);
   EXPECT_EQ(bundle_->localizedStringForKey("Yes"), "Yes");
 }
 
 TEST_F(NSBundleTest, AnswersTheKeyForADamagedCatalogue) {
-  const std::string whole = catalogueOf({{"", kHeader}, {"Yes", "Ja"}});
+  const std::string whole = catalogueOf({{"", kCatalogueHeader}, {"Yes", "Ja"}});
   for (std::size_t length = 0; length < 28; ++length) {
     write("de", "Cut", whole.substr(0, length));
     const NSBundle bundle("Cut", nullptr);
@@ -126,7 +92,7 @@ TEST_F(NSBundleTest, AnswersTheKeyForADamagedCatalogue) {
 }
 
 TEST_F(NSBundleTest, NeverLeavesTheCatalogueFolder) {
-  write("de", "Texts", catalogueOf({{"", kHeader}, {"Yes", "Ja"}}));
+  write("de", "Texts", catalogueOf({{"", kCatalogueHeader}, {"Yes", "Ja"}}));
   EXPECT_EQ(bundle_->localizedStringForKey("Yes", "../LC_MESSAGES/Texts"), "Yes");
   NSLocale::setCurrentLocaleIdentifier("../de");
   EXPECT_EQ(bundle_->localizedStringForKey("Yes"), "Yes");
@@ -134,7 +100,7 @@ TEST_F(NSBundleTest, NeverLeavesTheCatalogueFolder) {
 
 TEST_F(NSBundleTest, KeysOfAnyBytesStandForThemselves) {
   using namespace std::string_literals;
-  write("de", "Texts", catalogueOf({{"", kHeader}, {"Yes", "Ja"}}));
+  write("de", "Texts", catalogueOf({{"", kCatalogueHeader}, {"Yes", "Ja"}}));
   for (const std::string& key : {"Yes\0"s, "\0"s, "\xFF"s, "Yes\xC3"s})
     EXPECT_EQ(bundle_->localizedStringForKey(key), key);
 }
