@@ -89,6 +89,74 @@ TEST_F(NSNumberFormatter_QMExtensionTest, ReadsForgivinglyAsDecimals) {
   }
 }
 
+std::string reading(NSNumberFormatter& formatter, std::string_view text) {
+  const auto number = formatter.numberFromString(text);
+  return number ? number->stringValue() : "fails";
+}
+
+TEST_F(NSNumberFormatter_QMExtensionTest, ReadsMoneyWithOrWithoutItsSymbol) {
+  struct Row {
+    const char* text;
+    const char* american;
+    const char* german;
+  };
+  const Row rows[] = {
+      {"1.005", "1.005", "1005"},
+      {"1,234.5", "1234.5", "fails"},
+      {"12,34.5", "1234.5", "fails"},
+      {"1.234,5", "fails", "1234.5"},
+      {" 5 ", "5", "5"},
+      {"+5", "5", "5"},
+      {"- 5", "-5", "-5"},
+      {"−5", "-5", "-5"},
+      {".5", "0.5", "5"},
+      {"5.", "5", "fails"},
+      {"$5", "5", "fails"},
+      {"$ 5", "5", "fails"},
+      {"5 $", "5", "fails"},
+      {"USD 5", "5", "fails"},
+      {"-$ 5", "-5", "fails"},
+      {"$ -5", "-5", "fails"},
+      {"€5", "fails", "5"},
+      {"5 EUR", "fails", "5"},
+  };
+  for (const auto& make : {&Extension::currencyFormatter, &Extension::discountFormatter}) {
+    for (const Row& row : rows) {
+      NSLocale::setCurrentLocaleIdentifier("en_US");
+      EXPECT_EQ(reading(*make(), row.text), row.american) << row.text;
+      NSLocale::setCurrentLocaleIdentifier("de_DE");
+      EXPECT_EQ(reading(*make(), row.text), row.german) << row.text;
+    }
+  }
+}
+
+TEST_F(NSNumberFormatter_QMExtensionTest, ReadsQuantitiesWithoutGroupingOrSymbol) {
+  const std::pair<const char*, const char*> rows[] = {
+      {"1.005", "1.005"},   {" 5 ", "5"},    {"+5", "5"},      {"- 5", "-5"},
+      {"−5", "-5"},         {".5", "0.5"},   {"5.", "5"},      {"1,234.5", "fails"},
+      {"12,34.5", "fails"}, {"$5", "fails"}, {"5 $", "fails"}, {"USD 5", "fails"},
+  };
+  for (const auto& [text, expected] : rows)
+    EXPECT_EQ(reading(*Extension::quantityFormatter(), text), expected) << text;
+}
+
+TEST_F(NSNumberFormatter_QMExtensionTest, RefusesWhatIsNoFiniteNumberAsAWhole) {
+  for (const char* locale : {"en_US", "de_DE", "ja_JP", "en"}) {
+    NSLocale::setCurrentLocaleIdentifier(locale);
+    for (const auto& formatter : {Extension::currencyFormatter(), Extension::discountFormatter(),
+                                  Extension::quantityFormatter()}) {
+      for (const char* text : {"", " ", "abc", "-", "12abc", "1.2.3", "5%", "--5", "- -5", "NaN",
+                               "∞", "-∞", "¤¤", "$", "$ -", "€ -", "5\xFF", "\xFF"})
+        EXPECT_EQ(reading(*formatter, text), "fails") << locale << ' ' << text;
+    }
+  }
+}
+
+TEST_F(NSNumberFormatter_QMExtensionTest, DecimalsAreNotRoundedByReading) {
+  for (const auto& formatter : {Extension::currencyFormatter(), Extension::discountFormatter()})
+    EXPECT_EQ(reading(*formatter, "$ 0.123456789012345678901"), "0.123456789012345678901");
+}
+
 TEST_F(NSNumberFormatter_QMExtensionTest, ReadsBackWhatItWroteInTwelveLocales) {
   constexpr int kAmounts = 2000;
   std::mt19937_64 random(12);

@@ -7,7 +7,11 @@
 
 #include "Platform/Locale/NSLocale.h"
 #include "Platform/Runtime/ClassBuilder.h"
+#include "Platform/Runtime/Messaging.h"
 #include "Platform/Runtime/NSException.h"
+#include "Platform/Runtime/Runtime.h"
+#include "Platform/Values/NSDate.h"
+#include "Platform/Values/NSNull.h"
 #include "Platform/Values/NSNumber.h"
 #include "Platform/Values/NSString.h"
 #include "RVFoundation/CoreServices/RVFLibraryBundle.h"
@@ -95,6 +99,8 @@ TEST_F(RVFByteSizeFormatterTest, TheUnitsComeFromTheBundleOfTheClass) {
 TEST_F(RVFByteSizeFormatterTest, WhatIsNoNumberHasNoText) {
   RVFByteSizeFormatter formatter;
   EXPECT_EQ(formatter.stringForObjectValue(box("1536")), std::nullopt);
+  EXPECT_EQ(formatter.stringForObjectValue(NSNull::null()), std::nullopt);
+  EXPECT_EQ(formatter.stringForObjectValue(NSDate::date()), std::nullopt);
   EXPECT_EQ(formatter.stringForObjectValue(nullptr), std::nullopt);
 }
 
@@ -114,6 +120,25 @@ TEST_F(RVFByteSizeFormatterTest, AttributedTextOfNoNumberRaises) {
   } catch (const NSException& exception) {
     EXPECT_EQ(exception.name(), NSInvalidArgumentException);
   }
+}
+
+TEST_F(RVFByteSizeFormatterTest, TheFlagIsReadAndSetBySelector) {
+  const auto formatter = std::make_shared<RVFByteSizeFormatter>();
+  EXPECT_FALSE(send<bool>(formatter, SEL("includeUnits")));
+  send(formatter, SEL("setIncludeUnits:"), true);
+  EXPECT_TRUE(send<bool>(formatter, SEL("includeUnits")));
+  EXPECT_EQ(formatter->stringForObjectValue(box(1536)), "1.5 KB");
+}
+
+TEST_F(RVFByteSizeFormatterTest, DescribesItselfToTheRuntime) {
+  const Class described = objc_getClass("RVFByteSizeFormatter");
+  const auto properties = class_copyPropertyList(described);
+  ASSERT_EQ(properties.size(), 1U);
+  EXPECT_EQ(properties[0].name, "includeUnits");
+  EXPECT_EQ(properties[0].attributes, "Tc,N,V_includeUnits");
+  const Ivar* flag = class_getInstanceVariable(described, "_includeUnits");
+  ASSERT_NE(flag, nullptr);
+  EXPECT_EQ(ivar_getTypeEncoding(*flag), "c");
 }
 
 }  // namespace

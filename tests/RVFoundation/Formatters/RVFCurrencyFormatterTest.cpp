@@ -66,6 +66,47 @@ TEST_F(RVFCurrencyFormatterTest, ReadsHalvesAwayFromZero) {
     EXPECT_EQ(reading(formatter_, text), expected) << text;
 }
 
+TEST_F(RVFCurrencyFormatterTest, TheInnerFormatterIsSetUpForAmountsOfMoney) {
+  const auto& inner = formatter_.formatter();
+  EXPECT_EQ(inner->formatterBehavior(), NSNumberFormatterBehavior10_4);
+  EXPECT_EQ(inner->numberStyle(), NSNumberFormatterCurrencyStyle);
+  EXPECT_TRUE(inner->generatesDecimalNumbers());
+  EXPECT_TRUE(inner->isLenient());
+  EXPECT_EQ(inner->roundingMode(), NSNumberFormatterRoundHalfEven);
+  EXPECT_EQ(inner->locale()->localeIdentifier(), "en_US");
+  EXPECT_EQ(inner->positiveFormat(), "#,##0.00");
+  EXPECT_EQ(inner->negativeFormat(), "-#,##0.00");
+  EXPECT_EQ(formatter_.formatter(), inner);
+}
+
+TEST_F(RVFCurrencyFormatterTest, ReadsADecimalNumber) {
+  for (const char* text : {"", "1.5", "$ 1,234.567"}) {
+    id object;
+    std::string description = "before";
+    EXPECT_TRUE(formatter_.getObjectValue(&object, text, &description)) << text;
+    EXPECT_NE(std::dynamic_pointer_cast<NSDecimalNumber>(object), nullptr) << text;
+    EXPECT_EQ(description, "before") << text;
+    EXPECT_TRUE(formatter_.getObjectValue(nullptr, text)) << text;
+  }
+}
+
+TEST_F(RVFCurrencyFormatterTest, AFailedReadingPassesTheDescriptionOn) {
+  const std::pair<const char*, const char*> rows[] = {
+      {"abc", "The value “abc” is invalid."},
+      {" ", "The value “ ” is invalid."},
+      {"5\xFF%@", "The value “5\xFF%@” is invalid."},
+  };
+  for (const auto& [text, expected] : rows) {
+    const id before = box("before");
+    id object = before;
+    std::string description;
+    EXPECT_FALSE(formatter_.getObjectValue(&object, text, &description));
+    EXPECT_EQ(object, before) << text;
+    EXPECT_EQ(description, expected);
+    EXPECT_FALSE(formatter_.getObjectValue(nullptr, text)) << text;
+  }
+}
+
 TEST_F(RVFCurrencyFormatterTest, TheLocaleCountsOnlyUntilTheFirstUse) {
   const std::function<void(RVFCurrencyFormatter&)> uses[] = {
       [](auto& formatter) { formatter.stringForObjectValue(nullptr); },
@@ -111,6 +152,10 @@ TEST_F(RVFCurrencyFormatterTest, ReadsBackWhatItWroteInTwelveLocales) {
 TEST_F(RVFCurrencyFormatterTest, DescribesItselfToTheRuntime) {
   const Class described = objc_getClass("RVFCurrencyFormatter");
   ASSERT_EQ(described, RVFCurrencyFormatter::classObject());
+  const auto properties = class_copyPropertyList(described);
+  ASSERT_EQ(properties.size(), 1U);
+  EXPECT_EQ(properties[0].name, "locale");
+  EXPECT_EQ(properties[0].attributes, "T@\"NSLocale\",&,N,Vlocale");
   const auto ivars = class_copyIvarList(described);
   ASSERT_EQ(ivars.size(), 2U);
   EXPECT_EQ(ivars[0].name, "locale");

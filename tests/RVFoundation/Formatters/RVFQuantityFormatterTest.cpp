@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
 #include <thread>
 #include <vector>
 
@@ -80,6 +81,26 @@ TEST_F(RVFQuantityFormatterTest, AFailedReadingPassesTheDescriptionOn) {
   EXPECT_EQ(description, "The value “abc” is invalid.");
 }
 
+TEST_F(RVFQuantityFormatterTest, DescribesIllFormedTextAsItIs) {
+  std::string description;
+  EXPECT_FALSE(formatter_.getObjectValue(nullptr, "\xC3%@\xFF", &description));
+  EXPECT_EQ(description, "The value “\xC3%@\xFF” is invalid.");
+}
+
+TEST_F(RVFQuantityFormatterTest, ReadsBackWhatItWroteInTwelveLocales) {
+  std::mt19937_64 random(9);
+  for (const char* locale : {"en_US", "de_DE", "de_AT", "de_CH", "fr_CH", "sv_SE", "es_ES", "pt_PT",
+                             "hi_IN", "ar_EG", "fa_IR", "he_IL"}) {
+    formatter_.setLocale(localeOf(locale));
+    for (int i = 0; i < 2000; ++i) {
+      const auto quantity = NSDecimalNumber::decimalNumberWithMantissa(random() >> (random() % 60),
+                                                                       -2, random() % 2 == 0);
+      const std::string text = *formatter_.stringForObjectValue(quantity);
+      ASSERT_EQ(reading(text), quantity->stringValue()) << locale << ' ' << text;
+    }
+  }
+}
+
 TEST_F(RVFQuantityFormatterTest, TheLocaleIsTheInnerFormatters) {
   formatter_.setLocale(localeOf("de_DE"));
   EXPECT_EQ(formatter_.locale()->localeIdentifier(), "de_DE");
@@ -105,12 +126,24 @@ TEST_F(RVFQuantityFormatterTest, IsSetUpForTheModernBehaviour) {
   EXPECT_EQ(formatter_.quantityFormatter()->formatterBehavior(), NSNumberFormatterBehavior10_4);
   EXPECT_EQ(formatter_.quantityFormatter()->numberStyle(), NSNumberFormatterDecimalStyle);
   EXPECT_TRUE(formatter_.quantityFormatter()->isLenient());
+  EXPECT_TRUE(formatter_.quantityFormatter()->generatesDecimalNumbers());
+  EXPECT_EQ(formatter_.quantityFormatter()->roundingMode(), NSNumberFormatterRoundDown);
+  EXPECT_EQ(formatter_.quantityFormatter()->positiveFormat(), "#0.##");
+  EXPECT_EQ(formatter_.quantityFormatter()->negativeFormat(), "-#0.##");
 }
 
 TEST_F(RVFQuantityFormatterTest, DescribesItselfToTheRuntime) {
   const Class described = objc_getClass("RVFQuantityFormatter");
   ASSERT_EQ(described, RVFQuantityFormatter::classObject());
-  EXPECT_EQ(class_copyIvarList(described).front().name, "quantityFormatter");
+  const auto properties = class_copyPropertyList(described);
+  ASSERT_EQ(properties.size(), 2U);
+  EXPECT_EQ(properties[0].name, "quantityFormatter");
+  EXPECT_EQ(properties[0].attributes, "T@\"NSNumberFormatter\",&,N,VquantityFormatter");
+  EXPECT_EQ(properties[1].name, "locale");
+  EXPECT_EQ(properties[1].attributes, "T@\"NSLocale\",&,N");
+  const auto ivars = class_copyIvarList(described);
+  ASSERT_EQ(ivars.size(), 1U);
+  EXPECT_EQ(ivars[0].name, "quantityFormatter");
   const auto shared = RVFQuantityFormatter::sharedQuantityFormatter();
   EXPECT_EQ(send<Ref<NSNumberFormatter>>(shared, SEL("quantityFormatter")),
             shared->quantityFormatter());

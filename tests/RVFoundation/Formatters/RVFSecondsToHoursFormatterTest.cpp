@@ -7,6 +7,9 @@
 #include <thread>
 
 #include "Platform/Numbers/NSDecimalNumber.h"
+#include "Platform/Runtime/Runtime.h"
+#include "Platform/Values/NSDate.h"
+#include "Platform/Values/NSNull.h"
 #include "Platform/Values/NSString.h"
 
 namespace rvf {
@@ -33,6 +36,9 @@ TEST(RVFSecondsToHoursFormatter, WritesHoursThroughItsDecimalFormatter) {
   EXPECT_EQ(formatter.stringForObjectValue(box(5400)), "1.5");
   EXPECT_EQ(formatter.stringForObjectValue(box(-5400.0)), "-1.5");
   EXPECT_EQ(formatter.stringForObjectValue(box("5400")), "0");
+  EXPECT_EQ(formatter.stringForObjectValue(NSNull::null()), "0");
+  EXPECT_EQ(formatter.stringForObjectValue(NSDate::dateWithTimeIntervalSinceReferenceDate(5400)),
+            "0");
   EXPECT_EQ(formatter.stringForObjectValue(nullptr), "0");
 }
 
@@ -66,6 +72,13 @@ TEST(RVFSecondsToHoursFormatter, ConcurrentThreadsMaySetAndReadTheDecimalFormatt
   }
   setter.join();
   EXPECT_EQ(formatter.decimalFormatter(), nullptr);
+}
+
+TEST(RVFSecondsToHoursFormatter, TheDecimalFormatterIsAnAtomicProperty) {
+  const auto properties = class_copyPropertyList(objc_getClass("RVFSecondsToHoursFormatter"));
+  ASSERT_EQ(properties.size(), 1U);
+  EXPECT_EQ(properties[0].name, "decimalFormatter");
+  EXPECT_EQ(properties[0].attributes, "T@\"NSFormatter\",&,V_decimalFormatter");
 }
 
 }  // namespace

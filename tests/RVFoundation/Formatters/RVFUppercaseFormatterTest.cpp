@@ -20,6 +20,14 @@ TEST(RVFUppercaseFormatter, RaisesTextInEveryLocaleAlike) {
   EXPECT_EQ(formatter.stringForObjectValue(box("")), "");
 }
 
+TEST(RVFUppercaseFormatter, KeepsBytesThatBelongToNoCharacter) {
+  RVFUppercaseFormatter formatter;
+  EXPECT_EQ(formatter.stringForObjectValue(box("a\xFF"
+                                               "é\xC3")),
+            "A\xFF"
+            "É\xC3");
+}
+
 TEST(RVFUppercaseFormatter, WhatIsNoTextHasNone) {
   RVFUppercaseFormatter formatter;
   EXPECT_EQ(formatter.stringForObjectValue(box(1)), std::nullopt);
