@@ -21,6 +21,20 @@ TEST(NSMutableString_RVFExtensions, EndsATextThatIsNotEmptyInOneLineFeed) {
   }
 }
 
+TEST(NSMutableString_RVFExtensions, IllFormedTextGetsALineFeedToo) {
+  std::string text = "a\xFF\xC3";
+  appendNewLineIfNeeded(text);
+  EXPECT_EQ(text, "a\xFF\xC3\n");
+}
+
+TEST(NSMutableString_RVFExtensions, EndsTenMegabytesInOneLineFeed) {
+  const std::string before(10'000'000, 'a');
+  std::string text = before;
+  appendNewLineIfNeeded(text);
+  appendNewLineIfNeeded(text);
+  EXPECT_EQ(text, before + '\n');
+}
+
 TEST(RVFStringConstants, AreOneCharacterEach) {
   EXPECT_EQ(RVFStringNewParagraph, "\xE2\x80\xA9");
   EXPECT_EQ(RVFStringNewLine, "\xE2\x80\xA8");

@@ -30,6 +30,10 @@ TEST(NSString_RVFDigests, EndsAtTheFirstZeroByte) {
   EXPECT_EQ(RVF_md5("\0"sv), RVF_md5(""));
 }
 
+TEST(NSString_RVFDigests, IllFormedTextCountsByItsBytes) {
+  EXPECT_EQ(RVF_md5("a\xFF\xC3"), "926e67f3038357ee5e37d63b85c381d4");
+}
+
 TEST(NSString_RVFDigests, TakesTenMegabytes) {
   EXPECT_EQ(RVF_md5(std::string(10'000'000, 'a')), "7095bae098259e0dda4b7acc624de4e2");
 }

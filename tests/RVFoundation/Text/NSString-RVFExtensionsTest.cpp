@@ -46,5 +46,17 @@ TEST(NSString_RVFExtensions, DecodingGivesBackWhatWasEscaped) {
   }));
 }
 
+TEST(NSString_RVFExtensions, EscapesAndDecodesTenMegabytes) {
+  std::string text;
+  std::string escaped;
+  while (text.size() < 10'000'000) {
+    text += "ab ü%";
+    escaped += "ab%20%C3%BC%25";
+  }
+  EXPECT_TRUE(RVF_stringByEscapingForURLArgument(text) == escaped);
+  EXPECT_TRUE(RVF_stringByDecodingURLArguments(escaped) == text);
+  EXPECT_EQ(RVF_stringByDecodingURLArguments(escaped + "%FF"), std::nullopt);
+}
+
 }  // namespace
 }  // namespace rvf

@@ -53,6 +53,32 @@ TEST(NSString_RVFPlaceholders, APlaceholderThatIsNotClosedRaises) {
   }
 }
 
+/// Counts how often it is asked for its text.
+class CountingValue final : public NSObject {
+ public:
+  std::string description() const override {
+    ++uses;
+    return "value";
+  }
+  mutable int uses = 0;
+};
+
+TEST(NSString_RVFPlaceholders, AKeyThatRunsToTheEndIsLookedUpBeforeTheException) {
+  const auto value = std::make_shared<CountingValue>();
+  const auto dictionary = NSDictionary::dictionaryWithEntries({{"name", value}});
+  EXPECT_THROW(stringByReplacingPlaceholdersWithDictionaryValues("Hello %@(name", dictionary),
+               NSException);
+  EXPECT_EQ(value->uses, 1);
+}
+
+TEST(NSString_RVFPlaceholders, AnEmptyPlaceholderLooksNothingUp) {
+  const auto value = std::make_shared<CountingValue>();
+  const auto dictionary = NSDictionary::dictionaryWithEntries({{"", value}});
+  EXPECT_EQ(stringByReplacingPlaceholdersWithDictionaryValues("a%@()b", dictionary), "ab");
+  EXPECT_THROW(stringByReplacingPlaceholdersWithDictionaryValues("%@(", dictionary), NSException);
+  EXPECT_EQ(value->uses, 0);
+}
+
 TEST(NSString_RVFPlaceholders, AnAbsentDictionaryHasNoValues) {
   EXPECT_EQ(stringByReplacingPlaceholdersWithDictionaryValues("a%@(name)b", nullptr), "ab");
 }

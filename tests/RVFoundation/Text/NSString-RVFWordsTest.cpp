@@ -6,6 +6,8 @@
 #include <rapidcheck.h>
 #include <sys/mman.h>
 
+#include <new>
+
 #include "Platform/Locale/NSLocale.h"
 #include "Platform/Runtime/NSAssertionHandler.h"
 #include "Platform/Runtime/NSException.h"
@@ -62,19 +64,60 @@ TEST_F(NSString_RVFWordsTest, TakesATextOfTenMegabytes) {
   EXPECT_EQ(wordComponents(text).size(), text.size() / 8);
 }
 
+TEST_F(NSString_RVFWordsTest, BreaksByTheRulesOfTheUsersLocale) {
+  EXPECT_THAT(wordComponents("EU:n"), ElementsAre("EU", "n"));
+  NSLocale::setCurrentLocaleIdentifier("fi_FI");
+  EXPECT_THAT(wordComponents("EU:n"), ElementsAre("EU:n"));
+}
+
+/// Zero bytes, one more than the tokenizer can count; they take no memory.
+class TextTooLong final {
+ public:
+  TextTooLong()
+      : memory_(
+            mmap(nullptr, kSize, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0)) {
+    if (memory_ == MAP_FAILED) throw std::bad_alloc();
+  }
+  TextTooLong(const TextTooLong&) = delete;
+  TextTooLong& operator=(const TextTooLong&) = delete;
+  ~TextTooLong() { munmap(memory_, kSize); }
+
+  std::string_view view() const { return {static_cast<const char*>(memory_), kSize}; }
+
+ private:
+  static constexpr std::size_t kSize = std::size_t{1} << 31;
+  void* memory_;
+};
+
 TEST_F(NSString_RVFWordsTest, ATextTooLongIsAReportedAssertion) {
-  constexpr std::size_t kSize = std::size_t{1} << 31;
-  void* memory =
-      mmap(nullptr, kSize, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-  ASSERT_NE(memory, MAP_FAILED);
+  const TextTooLong text;
   try {
-    wordComponents({static_cast<const char*>(memory), kSize});
+    wordComponents(text.view());
     ADD_FAILURE() << "nothing was raised";
   } catch (const NSException& exception) {
     EXPECT_EQ(exception.name(), NSInternalInconsistencyException);
     EXPECT_EQ(exception.reason(), "Could not create tokenizer");
   }
-  munmap(memory, kSize);
+}
+
+class ForgivingHandler final : public NSAssertionHandler {
+ public:
+  void handleFailureInMethod(SEL selector, const NSObject*, std::string_view file, int,
+                             std::string_view description) override {
+    reports_.push_back(NSStringFromSelector(selector) + ", " + std::string(file) + ": " +
+                       std::string(description));
+  }
+  std::vector<std::string> reports_;
+};
+
+TEST_F(NSString_RVFWordsTest, AHandlerThatReturnsMakesATextTooLongHaveNoWords) {
+  const auto handler = std::make_shared<ForgivingHandler>();
+  NSAssertionHandler::setCurrentHandler(handler);
+  const TextTooLong text;
+  EXPECT_THAT(wordComponents(text.view()), IsEmpty());
+  NSAssertionHandler::setCurrentHandler(nullptr);
+  EXPECT_THAT(handler->reports_, ElementsAre("wordComponents, RVFoundation/NSString-RVFExtensions: "
+                                             "Could not create tokenizer"));
 }
 
 TEST(NSString_RVFWords, CountsOccurrencesWithoutOverlap) {
