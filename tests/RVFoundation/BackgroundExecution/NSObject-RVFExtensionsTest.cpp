@@ -91,6 +91,23 @@ TEST_F(NSObjectExtensionsTest, InTheBackgroundABlockRunsOnAThreadOfItsOwn) {
   EXPECT_NE(found.get_future().get(), NSThread::mainThread());
 }
 
+TEST_F(NSObjectExtensionsTest, InTheBackgroundTheReceiverLivesAndAScopeEndsWithTheBlock) {
+  auto performer = std::make_shared<Overriding>();
+  const std::weak_ptr<Overriding> isAlive = performer;
+  std::promise<void> let;
+  const auto handedOver = std::make_shared<int>();
+  RVF_performBlockInBackground(performer, [&let, held = handedOver] {
+    let.get_future().wait();
+    NSAutoreleasePool::addObject(held);
+  });
+  performer = nullptr;
+  EXPECT_FALSE(isAlive.expired());
+  EXPECT_EQ(handedOver.use_count(), 2);
+  let.set_value();
+  while (handedOver.use_count() > 1 || !isAlive.expired())
+    std::this_thread::yield();
+}
+
 TEST_F(NSObjectExtensionsTest, AfterADelayABlockRunsInItsModesAndNotEarlier) {
   RVF_performOnMainThreadAfterDelay(receiver, 2, kDefault, note("default"));
   RVF_performOnMainThreadAfterDelay(receiver, 1, {"panel"}, note("panel"));

@@ -75,6 +75,39 @@ TEST_F(NSThreadExtensionsTest, ABlockWaitsForItsModes) {
   EXPECT_THAT(ran, ElementsAre("default", "panel"));
 }
 
+TEST_F(NSThreadExtensionsTest, WaitingInAModeOfItsOwnLastsUntilTheThreadRunsThatMode) {
+  RVF_performBlock(serving.thread(), [this] {
+    ran.push_back("before");
+    while (ran.size() < 2)
+      NSRunLoop::currentRunLoop()->runMode("panel", NSRunLoop::Clock::time_point::max());
+    ran.push_back("after");
+  });
+  // Posted into a mode that the thread may reach before or after this.
+  RVF_performBlock(serving.thread(), note("panel"), true, {"panel"});
+  waitForQueued();
+  EXPECT_THAT(ran, ElementsAre("before", "panel", "after"));
+}
+
+TEST_F(NSThreadExtensionsTest, ABlockMayPerformOnItsOwnAndOnOtherThreads) {
+  ServingThread other;
+  RVF_performBlock(
+      serving.thread(),
+      [&] {
+        RVF_performBlock(serving.thread(), note("own, at once"), true);
+        RVF_performBlock(
+            other.thread(),
+            [&] {
+              ran.push_back("other");
+              RVF_performBlock(serving.thread(), note("back, later"));
+            },
+            true);
+        ran.push_back("own, after the other");
+      },
+      true);
+  waitForQueued();
+  EXPECT_THAT(ran, ElementsAre("own, at once", "other", "own, after the other", "back, later"));
+}
+
 TEST_F(NSThreadExtensionsTest, WithoutModesABlockIsDropped) {
   const auto witness = std::make_shared<int>();
   RVF_performBlock(serving.thread(), [witness] {}, false, {});
