@@ -94,6 +94,8 @@ TEST_F(RVFByteSizeFormatterTest, TheUnitsComeFromTheBundleOfTheClass) {
   OwnByteSizeFormatter formatter;
   formatter.setIncludeUnits(true);
   EXPECT_EQ(formatter.stringForObjectValue(box(2)), "2 bytes");
+  EXPECT_EQ(RVFByteSizeFormatter::stringFromByteCount<OwnByteSizeFormatter>(2, true), "2 bytes");
+  EXPECT_EQ(RVFByteSizeFormatter::stringFromByteCount(2, true), "2 octets");
 }
 
 TEST_F(RVFByteSizeFormatterTest, WhatIsNoNumberHasNoText) {
