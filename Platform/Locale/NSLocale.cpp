@@ -10,8 +10,11 @@
 #include <functional>
 #include <mutex>
 
+#include "Platform/Observation/NSNotificationCenter.h"
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
+#include "Platform/Storage/NSUserDefaults.h"
+#include "Platform/Values/NSString.h"
 
 namespace rvf {
 namespace {
@@ -73,16 +76,51 @@ const std::string& environmentIdentifier() {
   return kIdentifier;
 }
 
-struct CurrentLocale {
-  std::mutex mutex;
-  Ref<NSLocale> locale;  ///< absent until it is first asked for
-};
-
 constinit std::atomic<unsigned long> changeCount{0};
 
+void forgetCurrentLocale() noexcept {
+  changeCount.fetch_add(1, std::memory_order_release);
+}
+
+/// Hears of changes that others announce.
+class ChangeListener final : public NSObject {
+ public:
+  static Class classObject();
+  Class isa() const override { return classObject(); }
+
+  void currentLocaleDidChange(const id& /*notification*/) noexcept { forgetCurrentLocale(); }
+};
+
+Class ChangeListener::classObject() {
+  static const Class kClass =
+      ClassBuilder<ChangeListener>("NSLocaleChangeListener", NSObject::classObject())
+          .method<&ChangeListener::currentLocaleDidChange>("currentLocaleDidChange:")
+          .registered();
+  return kClass;
+}
+
+struct CurrentLocale {
+  CurrentLocale() {
+    NSNotificationCenter::defaultCenter()->addObserver(
+        listener, SEL("currentLocaleDidChange:"), std::string(NSCurrentLocaleDidChangeNotification),
+        nullptr);
+  }
+
+  const Ref<ChangeListener> listener = std::make_shared<ChangeListener>();
+  std::mutex mutex;
+  Ref<NSLocale> locale;       ///< absent until it is first asked for
+  unsigned long changes = 0;  ///< the count when it was found
+};
+
 CurrentLocale& current() {
-  static CurrentLocale state;
+  static CurrentLocale& state = *new CurrentLocale;  // never destroyed: observers may outlive it
   return state;
+}
+
+std::string currentIdentifier() {
+  const auto chosen =
+      unboxText(NSUserDefaults::standardUserDefaults()->objectForKey(kAppleLocaleKey));
+  return chosen ? *chosen : environmentIdentifier();
 }
 
 }  // namespace
@@ -95,17 +133,31 @@ Ref<NSLocale> NSLocale::localeWithLocaleIdentifier(std::string_view identifier) 
 
 Ref<NSLocale> NSLocale::currentLocale() {
   CurrentLocale& state = current();
+  const unsigned long changes = changesOfCurrentLocale();
+  {
+    const std::lock_guard lock(state.mutex);
+    if (state.locale && state.changes == changes) return state.locale;
+  }
+  // Without the lock: whoever reads the defaults may wait for a thread that asks for the locale.
+  auto locale = localeWithLocaleIdentifier(currentIdentifier());
   const std::lock_guard lock(state.mutex);
-  if (!state.locale) state.locale = localeWithLocaleIdentifier(environmentIdentifier());
-  return state.locale;
+  if (!state.locale || state.changes < changes) {
+    state.locale = locale;
+    state.changes = changes;
+  }
+  return state.changes == changes ? state.locale : locale;
 }
 
 void NSLocale::setCurrentLocaleIdentifier(const std::optional<std::string>& identifier) {
-  Ref<NSLocale> locale = identifier ? localeWithLocaleIdentifier(*identifier) : nullptr;
-  CurrentLocale& state = current();
-  const std::lock_guard lock(state.mutex);
-  state.locale = std::move(locale);
-  changeCount.fetch_add(1, std::memory_order_release);
+  const id chosen = identifier ? box(*identifier) : nullptr;
+  NSUserDefaults::standardUserDefaults()->setObject(chosen, kAppleLocaleKey);
+  announceChangeOfCurrentLocale();
+}
+
+void NSLocale::announceChangeOfCurrentLocale() {
+  forgetCurrentLocale();
+  NSNotificationCenter::defaultCenter()->postNotificationName(NSCurrentLocaleDidChangeNotification,
+                                                              nullptr);
 }
 
 unsigned long NSLocale::changesOfCurrentLocale() noexcept {

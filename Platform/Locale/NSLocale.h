@@ -10,25 +10,40 @@
 
 namespace rvf {
 
+/// What users choose their locale by, in the standard user defaults: a text, the identifier.
+inline constexpr std::string_view kAppleLocaleKey = "AppleLocale";
+
+/// Posted on the default notification center after the current locale changed, without object and
+/// user info, on the thread that changed it.
+inline constexpr std::string_view NSCurrentLocaleDidChangeNotification =
+    "NSCurrentLocaleDidChangeNotification";
+
 /// A language with a country, known by an identifier such as "de_AT" or "zh_Hant_TW" (Unicode
 /// technical standard 35; "-" separates as well as "_"). Immutable, so safe to share between
 /// threads.
 ///
-/// The current locale is the process environment's message locale until a client sets another. The
-/// C library's process-wide locale is neither read nor changed.
+/// The current locale is the one that the standard user defaults name under "AppleLocale", else the
+/// process environment's message locale. It is kept until `NSCurrentLocaleDidChangeNotification` is
+/// posted, so who changes the defaults posts that. The C library's process-wide locale is neither
+/// read nor changed.
 class RVF_EXPORT NSLocale final : public NSObject {
  public:
   explicit NSLocale(std::string_view localeIdentifier);
 
   static Ref<NSLocale> localeWithLocaleIdentifier(std::string_view identifier);
 
-  /// The locale that user-visible texts are for. Thread-safe.
+  /// The locale that user-visible texts are for. Thread-safe. Its first call begins the use of the
+  /// standard user defaults.
   static Ref<NSLocale> currentLocale();
-  /// Sets the current locale of the whole process; absent goes back to the environment's.
+  /// Sets "AppleLocale" for this process, without storing it, and announces the change; absent goes
+  /// back to the environment's. Raises `NSInvalidArgumentException` for what is no UTF-8.
   /// Thread-safe.
   static void setCurrentLocaleIdentifier(const std::optional<std::string>& identifier);
-  /// How often the current locale was set; so who keeps what depends on it knows when to make it
-  /// anew. Thread-safe, without a lock.
+  /// Forgets the current locale and posts `NSCurrentLocaleDidChangeNotification`, so that no
+  /// observer meets the old one. Thread-safe.
+  static void announceChangeOfCurrentLocale();
+  /// Another number after each change of the current locale; so who keeps what depends on it knows
+  /// when to make it anew. Thread-safe, without a lock.
   static unsigned long changesOfCurrentLocale() noexcept;
   /// The identifier that these values of the environment's variables stand for: the first that is
   /// not empty, without character set and modifier. "C", "POSIX", none and what names no language

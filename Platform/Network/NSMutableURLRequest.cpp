@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Platform/Network/NSMutableURLRequest.h"
 
+#include "Platform/Observation/KeyValueObserving.h"
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
 
@@ -32,6 +33,22 @@ Class NSMutableURLRequest::classObject() {
 
 Class NSMutableURLRequest::isa() const {
   return classObject();
+}
+
+void NSMutableURLRequest::setURL(Ref<NSURL> url) {
+  announceChange(*this, "URL", [&] { url_.swap(url); });
+}
+
+void NSMutableURLRequest::setHTTPMethod(std::string method) {
+  announceChange(*this, "HTTPMethod", [&] { method_.swap(method); });
+}
+
+void NSMutableURLRequest::setHTTPBody(Ref<NSData> body) {
+  announceChange(*this, "HTTPBody", [&] { body_.swap(body); });
+}
+
+void NSMutableURLRequest::setTimeoutInterval(double seconds) {
+  announceChange(*this, "timeoutInterval", [&] { timeoutInterval_ = seconds; });
 }
 
 }  // namespace rvf

@@ -19,11 +19,11 @@ class RVF_EXPORT NSMutableURLRequest final : public NSURLRequest {
   static Class classObject();
   Class isa() const override;
 
-  void setURL(Ref<NSURL> url) { url_ = std::move(url); }
-  void setHTTPMethod(std::string method) { method_ = std::move(method); }
+  void setURL(Ref<NSURL> url);
+  void setHTTPMethod(std::string method);
   /// Absent for no body.
-  void setHTTPBody(Ref<NSData> body) { body_ = std::move(body); }
-  void setTimeoutInterval(double seconds) noexcept { timeoutInterval_ = seconds; }
+  void setHTTPBody(Ref<NSData> body);
+  void setTimeoutInterval(double seconds);
 };
 
 }  // namespace rvf

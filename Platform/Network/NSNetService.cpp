@@ -7,6 +7,7 @@
 #include "Platform/Network/NetServiceCore.h"
 #include "Platform/Network/ServiceNames.h"
 #include "Platform/Network/TXTRecord.h"
+#include "Platform/Observation/KeyValueObserving.h"
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
 
@@ -104,7 +105,7 @@ Ref<NSData> NSNetService::TXTRecordData() const {
 }
 
 void NSNetService::setTXTRecordData(Ref<NSData> data) {
-  core_->setTXTRecord(std::move(data));
+  announceChange(*this, "TXTRecordData", [&] { core_->setTXTRecord(std::move(data)); });
 }
 
 void NSNetService::setNameIsUnique(bool isUnique) {

@@ -70,7 +70,8 @@ class RVF_EXPORT NSNetService final : public NSObject {
   void setTXTRecordData(Ref<NSData> data);
 
   /// Says before publishing that nobody else can have the name, so that it is announced at once,
-  /// about 0.7 s earlier, where the back end allows it.
+  /// about 0.7 s earlier. An empty name then is the host's with 80 random bits behind it,
+  /// "Till-5xq0c7k1m9b2h4wz", which no other and no former publication has.
   void setNameIsUnique(bool isUnique);
   /// Seconds that other hosts keep the published records when this process dies; 120 unless set.
   void setRecordLifetime(std::uint32_t seconds);

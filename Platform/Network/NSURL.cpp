@@ -3,7 +3,9 @@
 
 #include <algorithm>
 #include <charconv>
+#include <filesystem>
 #include <functional>
+#include <system_error>
 #include <utility>
 
 #include "Platform/Network/URLComponents.h"
@@ -52,6 +54,25 @@ Ref<NSURL> NSURL::URLWithString(std::string_view text, Ref<NSURL> relativeToURL)
   if (!std::ranges::all_of(text, isVisibleASCII) || !hasOnlyWholePercentEscapes(text))
     return nullptr;
   return std::make_shared<NSURL>(Private(), text, std::move(relativeToURL));
+}
+
+Ref<NSURL> NSURL::fileURLWithPath(std::string_view path) {
+  std::error_code problem;
+  const std::string absolute = std::filesystem::absolute(path, problem).string();
+  std::string text = "file://";
+  for (std::size_t start = 0; start < absolute.size();) {
+    const std::size_t end = std::min(absolute.find('/', start), absolute.size());
+    const auto component = addPercentEscapes(absolute.substr(start, end - start));
+    if (!component) return nullptr;
+    text += *component;
+    if (end < absolute.size()) text += '/';
+    start = end + 1;
+  }
+  return URLWithString(text);
+}
+
+bool NSURL::isFileURL() const {
+  return scheme() == "file";
 }
 
 NSURL::NSURL(Private /*unused*/, std::string_view text, Ref<NSURL> base)

@@ -23,8 +23,15 @@ class RVF_EXPORT NSURL final : public NSObject {
   /// without two hexadecimal digits. Everything else is taken, the empty text too.
   static Ref<NSURL> URLWithString(std::string_view text, Ref<NSURL> relativeToURL = nullptr);
 
+  /// The file URL of an absolute path, or of one relative to the current folder. Bytes that are no
+  /// UTF-8 make it absent.
+  static Ref<NSURL> fileURLWithPath(std::string_view path);
+
   static Class classObject();
   Class isa() const override;
+
+  /// Whether the scheme is "file".
+  bool isFileURL() const;
 
   /// The text that this was made from.
   const std::string& relativeString() const noexcept { return text_; }

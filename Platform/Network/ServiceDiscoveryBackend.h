@@ -82,6 +82,7 @@ struct Publication {
   std::uint16_t port = 0;
   std::vector<std::byte> txtRecord;  ///< wire form; empty publishes one zero byte
   /// The name is known to be unique, so it is announced without probing where that is possible.
+  /// A collision all the same is reported as any other.
   bool isUnique = false;
   /// Seconds that other hosts keep the records without hearing of them again.
   std::uint32_t lifetimeSeconds = 120;

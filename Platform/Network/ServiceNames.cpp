@@ -2,9 +2,12 @@
 #include "Platform/Network/ServiceNames.h"
 
 #include <avahi-common/domain.h>
+#include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <charconv>
+#include <system_error>
 #include <utility>
 
 #include "Platform/Text/Text.h"
@@ -34,6 +37,20 @@ std::pair<std::string_view, unsigned> splitSuffix(std::string_view name) noexcep
     return plain;
   }
   return {name.substr(0, opening), number};
+}
+
+/// 16 letters and digits of 5 random bits each. Comes from the system each time, so processes that
+/// were one before a fork do not continue alike, and takes no descriptor.
+std::string randomText() {
+  constexpr std::string_view kDigits = "0123456789abcdefghjkmnpqrstvwxyz";
+  std::array<unsigned char, 16> random{};
+  if (::getentropy(random.data(), random.size()) != 0) {
+    throw std::system_error(errno, std::generic_category(), "getentropy");
+  }
+  std::string text;
+  for (const unsigned char byte : random)
+    text += kDigits[byte % kDigits.size()];
+  return text;
 }
 
 }  // namespace
@@ -82,6 +99,11 @@ std::string nextServiceName(std::string_view name) {
   const auto [base, number] = splitSuffix(name);
   const std::string suffix = " (" + std::to_string(number + 1) + ")";
   return std::string(cutToBytes(base, kLongestServiceName - suffix.size())) + suffix;
+}
+
+std::string uniqueServiceName(std::string_view name) {
+  const std::string suffix = "-" + randomText();
+  return std::string(cutToBytes(name, kLongestServiceName - suffix.size())) + suffix;
 }
 
 }  // namespace rvf

@@ -33,4 +33,8 @@ RVF_EXPORT std::string_view cutToBytes(std::string_view text, std::size_t limit)
 /// A long name is cut so that the result has at most 63 bytes.
 RVF_EXPORT std::string nextServiceName(std::string_view name);
 
+/// A name that nobody else has, ever: "Till" becomes "Till-5xq0c7k1m9b2h4wz", 80 random bits. A
+/// long name is cut so that the result has at most 63 bytes.
+RVF_EXPORT std::string uniqueServiceName(std::string_view name);
+
 }  // namespace rvf

@@ -15,12 +15,17 @@ ServicePublication::ServicePublication(std::shared_ptr<ServiceDiscoveryBackend> 
       names_(publication_.identity.name.empty() ? NameClaim::Names::chosen
                                                 : NameClaim::Names::given) {
   std::string& name = publication_.identity.name;
-  if (name.empty()) name = backend_->defaultServiceName();
+  if (name.empty()) name = chosenName();
   name = std::string(cutToBytes(name, kLongestServiceName));
   announce();
 }
 
 ServicePublication::~ServicePublication() = default;
+
+std::string ServicePublication::chosenName() const {
+  const std::string usual = backend_->defaultServiceName();
+  return publication_.isUnique ? uniqueServiceName(usual) : usual;
+}
 
 void ServicePublication::announce() {
   retryTimer_.reset();

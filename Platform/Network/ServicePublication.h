@@ -24,7 +24,8 @@ class ServicePublication final {
     std::function<void(NSNetServicesError)> failed;
   };
 
-  /// An empty name is the host's. Nothing is reported before the run loop turns.
+  /// An empty name is the host's, made unique if the publication says that it is. Nothing is
+  /// reported before the run loop turns.
   ServicePublication(std::shared_ptr<ServiceDiscoveryBackend> backend, Publication publication,
                      Events events);
   ~ServicePublication();
@@ -34,6 +35,7 @@ class ServicePublication final {
   void updateTXTRecord(std::vector<std::byte> txtRecord);
 
  private:
+  std::string chosenName() const;
   void announce();
   void rename();
   void collided();

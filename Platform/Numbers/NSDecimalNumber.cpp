@@ -2,11 +2,17 @@
 #include "Platform/Numbers/NSDecimalNumber.h"
 
 #include <cmath>
+#include <cstddef>
+#include <memory>
+#include <utility>
+#include <vector>
 
 #include "Platform/Numbers/DecimalArithmetic.h"
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
 #include "Platform/Runtime/NSCopying.h"
+#include "Platform/Storage/NSCoder.h"
+#include "Platform/Values/NSData.h"
 
 namespace rvf {
 namespace {
@@ -64,6 +70,48 @@ int compareToFraction(const NSDecimal& value, const NSNumber& other) {
   return NSDecimalCompare(value, decimal);
 }
 
+constexpr std::size_t kMantissaBytes = sizeof(NSDecimal::Mantissa);
+constexpr std::size_t kMantissaUnit = 2;
+
+/// In an archive a decimal is its exponent, its sign, and its mantissa in 16 bytes, the least
+/// significant one first, with a count of the 16-bit units in use. None and a sign are NaN.
+void encodeDecimal(NSObject& self, SEL, Ref<NSCoder> coder) {
+  const NSDecimal& value = static_cast<const NSDecimalNumber&>(self).decimalValue();
+  std::vector<std::byte> mantissa(kMantissaBytes);
+  std::size_t used = 0;
+  NSDecimal::Mantissa rest = value.isNaN() ? 0 : value.mantissa();
+  for (std::size_t i = 0; i < kMantissaBytes; ++i, rest >>= 8U) {
+    mantissa[i] = static_cast<std::byte>(rest & 0xFF);
+    if (mantissa[i] != std::byte{0}) used = i / kMantissaUnit + 1;
+  }
+  coder->encodeInteger(value.isNaN() ? 0 : value.exponent(), "NS.exponent");
+  coder->encodeInteger(static_cast<long>(used), "NS.length");
+  coder->encodeBool(value.isNaN() || value.isNegative(), "NS.negative");
+  coder->encodeObject(std::make_shared<NSData>(std::move(mantissa)), "NS.mantissa");
+}
+
+/// Parts that no decimal has make NaN.
+id initDecimal(NSObject&, SEL, Ref<NSCoder> coder) {
+  const long exponent = coder->decodeIntegerForKey("NS.exponent");
+  const long length = coder->decodeIntegerForKey("NS.length");
+  const bool isNegative = coder->decodeBoolForKey("NS.negative");
+  const auto bytes = std::dynamic_pointer_cast<NSData>(coder->decodeObjectForKey("NS.mantissa"));
+  const bool isNumber = bytes && bytes->length() == kMantissaBytes && (length > 0 || !isNegative) &&
+                        exponent >= NSDecimal::kMinimumExponent &&
+                        exponent <= NSDecimal::kMaximumExponent;
+  if (!isNumber) return NSDecimalNumber::notANumber();
+  NSDecimal::Mantissa mantissa = 0;
+  for (std::size_t i = kMantissaBytes; i-- > 0;)
+    mantissa = mantissa << 8U | std::to_integer<unsigned>(bytes->bytes()[i]);
+  return NSDecimalNumber::decimalNumberWithDecimal(
+      NSDecimal::fromParts(mantissa, static_cast<int>(exponent), isNegative));
+}
+
+/// Decimals are immutable, so the one that is read takes the place of this one.
+id makeDecimal(NSObject&, SEL) {
+  return NSDecimalNumber::zero();
+}
+
 }  // namespace
 
 NSDecimalNumber::NSDecimalNumber(const NSDecimal& value) : NSNumber(0.0, "d"), value_(value) {}
@@ -110,6 +158,9 @@ Class NSDecimalNumber::classObject() {
       ClassBuilder<NSDecimalNumber>("NSDecimalNumber", NSNumber::classObject())
           .method<&NSDecimalNumber::descriptionWithLocale>("descriptionWithLocale:")
           .method("copy", immutableCopyImplementation())
+          .method("encodeWithCoder:", IMP(&encodeDecimal))
+          .method("initWithCoder:", IMP(&initDecimal))
+          .method("alloc", IMP(&makeDecimal))
           .conformsTo("NSCopying")
           .registered();
   return kClass;

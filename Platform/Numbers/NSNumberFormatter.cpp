@@ -10,6 +10,7 @@
 #include "Platform/Locale/NSBundle.h"
 #include "Platform/Numbers/NSDecimalNumber.h"
 #include "Platform/Numbers/NumberFormatEngine.h"
+#include "Platform/Observation/KeyValueObserving.h"
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
 #include "Platform/Text/Format.h"
@@ -145,8 +146,8 @@ NSNumberFormatterBehavior NSNumberFormatter::formatterBehavior() const noexcept 
   return state_->behavior;
 }
 
-void NSNumberFormatter::setFormatterBehavior(NSNumberFormatterBehavior behavior) noexcept {
-  state_->behavior = behavior;
+void NSNumberFormatter::setFormatterBehavior(NSNumberFormatterBehavior behavior) {
+  announceChange(*this, "formatterBehavior", [&] { state_->behavior = behavior; });
 }
 
 NSNumberFormatterStyle NSNumberFormatter::numberStyle() const noexcept {
@@ -154,10 +155,12 @@ NSNumberFormatterStyle NSNumberFormatter::numberStyle() const noexcept {
 }
 
 void NSNumberFormatter::setNumberStyle(NSNumberFormatterStyle style) {
-  state_->settings.style = style;
-  state_->settings.positivePattern.reset();
-  state_->settings.negativePattern.reset();
-  state_->forgetEngine();
+  announceChange(*this, "numberStyle", [&] {
+    state_->settings.style = style;
+    state_->settings.positivePattern.reset();
+    state_->settings.negativePattern.reset();
+    state_->forgetEngine();
+  });
 }
 
 std::string NSNumberFormatter::positiveFormat() const {
@@ -165,8 +168,10 @@ std::string NSNumberFormatter::positiveFormat() const {
 }
 
 void NSNumberFormatter::setPositiveFormat(std::string_view pattern) {
-  state_->settings.positivePattern = pattern;
-  state_->forgetEngine();
+  announceChange(*this, "positiveFormat", [&] {
+    state_->settings.positivePattern = pattern;
+    state_->forgetEngine();
+  });
 }
 
 std::string NSNumberFormatter::negativeFormat() const {
@@ -174,8 +179,10 @@ std::string NSNumberFormatter::negativeFormat() const {
 }
 
 void NSNumberFormatter::setNegativeFormat(std::string_view pattern) {
-  state_->settings.negativePattern = pattern;
-  state_->forgetEngine();
+  announceChange(*this, "negativeFormat", [&] {
+    state_->settings.negativePattern = pattern;
+    state_->forgetEngine();
+  });
 }
 
 Ref<NSLocale> NSNumberFormatter::locale() const {
@@ -183,8 +190,10 @@ Ref<NSLocale> NSNumberFormatter::locale() const {
 }
 
 void NSNumberFormatter::setLocale(Ref<NSLocale> locale) {
-  state_->locale = std::move(locale);
-  state_->forgetEngine();
+  announceChange(*this, "locale", [&] {
+    state_->locale = std::move(locale);
+    state_->forgetEngine();
+  });
 }
 
 NSNumberFormatterRoundingMode NSNumberFormatter::roundingMode() const noexcept {
@@ -192,8 +201,10 @@ NSNumberFormatterRoundingMode NSNumberFormatter::roundingMode() const noexcept {
 }
 
 void NSNumberFormatter::setRoundingMode(NSNumberFormatterRoundingMode mode) {
-  state_->settings.rounding = mode;
-  state_->forgetEngine();
+  announceChange(*this, "roundingMode", [&] {
+    state_->settings.rounding = mode;
+    state_->forgetEngine();
+  });
 }
 
 const std::string& NSNumberFormatter::nilSymbol() const noexcept {
@@ -201,15 +212,16 @@ const std::string& NSNumberFormatter::nilSymbol() const noexcept {
 }
 
 void NSNumberFormatter::setNilSymbol(std::string_view symbol) {
-  state_->nilSymbol = symbol;
+  announceChange(*this, "nilSymbol", [&] { state_->nilSymbol = symbol; });
 }
 
 bool NSNumberFormatter::generatesDecimalNumbers() const noexcept {
   return state_->generatesDecimalNumbers;
 }
 
-void NSNumberFormatter::setGeneratesDecimalNumbers(bool generates) noexcept {
-  state_->generatesDecimalNumbers = generates;
+void NSNumberFormatter::setGeneratesDecimalNumbers(bool generates) {
+  announceChange(*this, "generatesDecimalNumbers",
+                 [&] { state_->generatesDecimalNumbers = generates; });
 }
 
 bool NSNumberFormatter::isLenient() const noexcept {
@@ -217,8 +229,10 @@ bool NSNumberFormatter::isLenient() const noexcept {
 }
 
 void NSNumberFormatter::setLenient(bool isLenient) {
-  state_->settings.isLenient = isLenient;
-  state_->forgetEngine();
+  announceChange(*this, "lenient", [&] {
+    state_->settings.isLenient = isLenient;
+    state_->forgetEngine();
+  });
 }
 
 std::optional<std::string> NSNumberFormatter::stringForObjectValue(const id& value) {

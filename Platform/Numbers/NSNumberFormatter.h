@@ -59,7 +59,7 @@ class RVF_EXPORT NSNumberFormatter : public NSFormatter {
   Class isa() const override;
 
   NSNumberFormatterBehavior formatterBehavior() const noexcept;
-  void setFormatterBehavior(NSNumberFormatterBehavior behavior) noexcept;
+  void setFormatterBehavior(NSNumberFormatterBehavior behavior);
 
   /// Whole numbers without grouping, unless set.
   NSNumberFormatterStyle numberStyle() const noexcept;
@@ -86,7 +86,7 @@ class RVF_EXPORT NSNumberFormatter : public NSFormatter {
 
   /// Whether reading gives decimal numbers, else 64-bit integers and doubles.
   bool generatesDecimalNumbers() const noexcept;
-  void setGeneratesDecimalNumbers(bool generates) noexcept;
+  void setGeneratesDecimalNumbers(bool generates);
   /// Whether reading is forgiving about grouping, signs and blanks and, in the currency style,
   /// about the locale's currency symbol or code at either end.
   bool isLenient() const noexcept;

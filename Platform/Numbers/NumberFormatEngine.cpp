@@ -143,8 +143,10 @@ void NumberFormatEngine::findPatterns(const NumberFormatSettings& settings) {
 void NumberFormatEngine::apply(icu::DecimalFormat& format, const std::string& prefix) const {
   const std::string pattern = prefix + quotedNumberPattern(positivePattern_) + ";" + prefix +
                               quotedNumberPattern(negativePattern_);
-  UErrorCode status = U_ZERO_ERROR;
-  format.applyPattern(icu::UnicodeString::fromUTF8(piece(pattern)), status);
+  // Joined, two open quotations would close each other.
+  const bool isOpen = hasOpenQuote(positivePattern_) || hasOpenQuote(negativePattern_);
+  UErrorCode status = isOpen ? U_UNMATCHED_BRACES : U_ZERO_ERROR;
+  if (!isOpen) format.applyPattern(icu::UnicodeString::fromUTF8(piece(pattern)), status);
   if (U_FAILURE(status)) {
     NSException::raise(NSInvalidArgumentException,
                        "malformed number pattern \"" + pattern + "\": " + u_errorName(status));

@@ -10,8 +10,8 @@ constexpr std::string_view kCurrencySign = "\u00A4";
 constexpr std::string_view kPerMille = "\u2030";
 
 /// Hands over every literal apostrophe ("''") and every piece between quotes, with whether it is
-/// quoted.
-void walkPattern(std::string_view pattern,
+/// quoted. Answers whether a quotation is open at the end.
+bool walkPattern(std::string_view pattern,
                  const std::function<void(std::string_view character, bool isQuoted)>& visit) {
   bool isQuoted = false;
   while (!pattern.empty()) {
@@ -29,6 +29,7 @@ void walkPattern(std::string_view pattern,
       pattern.remove_prefix(length);
     }
   }
+  return isQuoted;
 }
 
 bool meansMoreToTheLibrary(std::string_view character) {
@@ -50,6 +51,10 @@ std::string quotedNumberPattern(std::string_view pattern) {
   });
   if (isOpen) result += '\'';
   return result;
+}
+
+bool hasOpenQuote(std::string_view pattern) {
+  return walkPattern(pattern, [](std::string_view /*character*/, bool /*isQuoted*/) {});
 }
 
 bool hasCurrencySign(std::string_view pattern) {

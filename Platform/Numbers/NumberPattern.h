@@ -10,6 +10,9 @@ namespace rvf {
 /// such as "%" and "+", but digits, separators, "-" and "¤".
 std::string quotedNumberPattern(std::string_view pattern);
 
+/// Whether a quotation in the pattern has no end.
+bool hasOpenQuote(std::string_view pattern);
+
 /// Whether the pattern has a currency sign outside quotes.
 bool hasCurrencySign(std::string_view pattern);
 

@@ -9,6 +9,7 @@
 #include <thread>
 #include <utility>
 
+#include "Platform/Observation/KeyValueObserving.h"
 #include "Platform/RunLoop/NSRunLoop.h"
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
@@ -151,9 +152,11 @@ std::string NSThread::name() const {
 }
 
 void NSThread::setName(std::string_view name) {
-  const std::lock_guard lock(mutex_);
-  name_ = name;
-  showName();
+  announceChange(*this, "name", [&] {
+    const std::lock_guard lock(mutex_);
+    name_ = name;
+    showName();
+  });
 }
 
 void NSThread::showName() const {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 #include "Platform/Export.h"
@@ -14,11 +15,15 @@ namespace rvf {
 ///     handler->handleFailureInMethod(selector, &receiver, file, line, description);
 ///
 /// Classes are no objects here, so this stands in; it describes itself by the name of the class.
+/// Two are equal when they stand for the same class, so that sets of classes are sets of these.
 class RVF_EXPORT ClassReceiver final : public NSObject {
  public:
   explicit ClassReceiver(Class receivingClass) : receivingClass_(receivingClass) {}
 
   Class receivingClass() const noexcept { return receivingClass_; }
+
+  bool isEqual(const NSObject* other) const override;
+  std::size_t hash() const override;
   std::string description() const override;
 
  private:

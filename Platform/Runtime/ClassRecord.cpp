@@ -3,7 +3,22 @@
 
 #include <algorithm>
 
+#include "Platform/Runtime/ClassChanges.h"
+
 namespace rvf {
+namespace {
+
+constinit std::atomic<std::uint64_t> classChanges = 0;
+
+void countClassChange() noexcept {
+  classChanges.fetch_add(1, std::memory_order_release);
+}
+
+}  // namespace
+
+std::uint64_t classChangeCount() noexcept {
+  return classChanges.load(std::memory_order_acquire);
+}
 
 bool ProtocolRecord::conformsTo(Protocol other) const {
   return this == other || std::ranges::any_of(extended_, [other](Protocol protocol) {
@@ -27,6 +42,7 @@ bool ClassRecord::addMethod(const Method& method) {
   const std::lock_guard lock(mutex_);
   if (ownMethod(method.selector)) return false;
   methods_.prepend({method});
+  countClassChange();
   return true;
 }
 
@@ -36,12 +52,14 @@ bool ClassRecord::addProperty(const Property& property) {
   if (std::ranges::find(all, property.name, &Property::name) != all.end()) return false;
   all.push_back(property);
   properties_.publish(std::move(all));
+  countClassChange();
   return true;
 }
 
 void ClassRecord::prependMethods(const std::vector<Method>& methods) {
   const std::lock_guard lock(mutex_);
   methods_.prepend(methods);
+  countClassChange();
 }
 
 std::vector<Method> ClassRecord::methods() const {

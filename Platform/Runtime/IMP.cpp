@@ -16,10 +16,7 @@ std::any IMP::callWithArguments(NSObject& self, SEL selector,
                        "call of a null implementation for " + NSStringFromSelector(selector));
   }
   if (arguments.size() != type_->argumentCount) {
-    NSException::raise(NSInvalidArgumentException,
-                       std::to_string(arguments.size()) + " arguments for " +
-                           NSStringFromSelector(selector) + ", which takes " +
-                           std::to_string(type_->argumentCount));
+    raiseArgumentCountMismatch(&self, selector, arguments.size(), type_->argumentCount);
   }
   const IMP running = *this;  // what holds this may change while it runs
   const RunningMethod mark(running, self, selector);

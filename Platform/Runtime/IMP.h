@@ -7,24 +7,39 @@
 #include <cstddef>
 #include <span>
 #include <string>
+#include <tuple>
 #include <type_traits>
 #include <typeinfo>
 #include <utility>
 
 #include "Platform/Export.h"
 #include "Platform/Runtime/AnyArgument.h"
+#include "Platform/Runtime/NSException.h"
 #include "Platform/Runtime/RunningMethod.h"
 #include "Platform/Runtime/Selector.h"
 #include "Platform/Runtime/TypeEncoding.h"
 
 namespace rvf {
 
+/// Converts a value on its way through a message; what cannot be converted raises with the class of
+/// the receiver and the selector in its text.
+template <class Conversion>
+auto convertedInMessage(const NSObject& receiver, SEL selector, MessagePart part,
+                        Conversion conversion) {
+  try {
+    return conversion();
+  } catch (const NSException& mismatch) {
+    raiseMismatchInMessage(receiver, selector, part, mismatch);
+  }
+}
+
 /// The implementation of a method: the address of a function
 /// `R (*)(NSObject& self, SEL cmd, Args...)`, together with its type.
 ///
 /// A small value. It never calls a function through a signature that is not the function's own:
 /// calling it with other types converts where the encodings agree (see `anyTo`) and raises
-/// `NSInvalidArgumentException` where they do not, or where the number of arguments differs.
+/// `NSInvalidArgumentException` where they do not, or where the number of arguments differs; the
+/// reason names the receiver's class and the selector.
 /// Two implementations are equal when they are the same function.
 class RVF_EXPORT IMP final {
  public:
@@ -56,7 +71,9 @@ class RVF_EXPORT IMP final {
     static_assert(!std::same_as<R, std::string_view>, "a view of a result has nothing to view");
     if (!isOfType(typeid(R(Args...)))) {
       const std::any boxed[sizeof...(Args) + 1] = {toAny(std::move(arguments))..., {}};
-      return anyTo<R>(callWithArguments(self, selector, {boxed, sizeof...(Args)}));
+      const std::any result = callWithArguments(self, selector, {boxed, sizeof...(Args)});
+      return convertedInMessage(self, selector, MessagePart::result,
+                                [&] { return anyTo<R>(result); });
     }
     const IMP running = *this;  // what holds this may change while it runs
     const RunningMethod mark(running, self, selector);
@@ -98,11 +115,14 @@ class RVF_EXPORT IMP final {
                                 [[maybe_unused]] std::span<const std::any> arguments,
                                 std::index_sequence<I...>) {
       const auto typed = reinterpret_cast<R (*)(NSObject&, SEL, Args...)>(function);
+      [[maybe_unused]] auto values = convertedInMessage(self, selector, MessagePart::argument, [&] {
+        return std::tuple<Args...>(anyTo<Args>(arguments[I])...);
+      });
       if constexpr (std::is_void_v<R>) {
-        typed(self, selector, anyTo<Args>(arguments[I])...);
+        typed(self, selector, std::forward<Args>(std::get<I>(values))...);
         return {};
       } else {
-        return toAny(typed(self, selector, anyTo<Args>(arguments[I])...));
+        return toAny(typed(self, selector, std::forward<Args>(std::get<I>(values))...));
       }
     }
     static constexpr Type kType{&typeid(R(Args...)), sizeof...(Args), &encoding, &caller};

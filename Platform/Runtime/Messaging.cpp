@@ -21,7 +21,9 @@ std::any sendWithArguments(NSObject& receiver, SEL selector, std::span<const std
   if (const Method* method = receiver.isa()->method(selector)) {
     return method->implementation.callWithArguments(receiver, selector, arguments);
   }
-  return forwardMessage(receiver, selector, {arguments.begin(), arguments.end()});
+  // With parentheses: braces would make the two iterators the arguments.
+  return forwardMessage(receiver, selector,
+                        std::vector<std::any>(arguments.begin(), arguments.end()));
 }
 
 }  // namespace rvf

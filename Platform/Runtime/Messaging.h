@@ -38,7 +38,9 @@ R send(NSObject& receiver, SEL selector, Args&&... arguments) {
   std::vector<std::any> boxed;
   boxed.reserve(sizeof...(Args));
   (boxed.push_back(toAny(std::forward<Args>(arguments))), ...);
-  return anyTo<R>(forwardMessage(receiver, selector, std::move(boxed)));
+  const std::any result = forwardMessage(receiver, selector, std::move(boxed));
+  return convertedInMessage(receiver, selector, MessagePart::result,
+                            [&] { return anyTo<R>(result); });
 }
 
 /// The same to a reference. An absent receiver answers absent, 0 or false. The receiver lives

@@ -60,10 +60,8 @@ void NSInvocation::setValue(std::any value, std::size_t index) {
 
 void NSInvocation::setArguments(std::vector<std::any> arguments) {
   if (arguments.size() != values_.size() - kFirstArgument) {
-    NSException::raise(NSInvalidArgumentException,
-                       std::to_string(arguments.size()) + " arguments for " +
-                           NSStringFromSelector(selector()) + ", which takes " +
-                           std::to_string(values_.size() - kFirstArgument));
+    raiseArgumentCountMismatch(target().get(), selector(), arguments.size(),
+                               values_.size() - kFirstArgument);
   }
   std::ranges::move(arguments, values_.begin() + kFirstArgument);
 }

@@ -33,8 +33,9 @@ std::size_t lengthOfFirstType(std::string_view types) {
     const std::size_t quote = rest.find('"', 2);
     return quote == std::string_view::npos ? 0 : pointers + quote + 1;
   }
-  if (rest.front() == '{') {
-    const std::size_t length = lengthOfBracketed(rest, '{', '}');
+  if (rest.front() == '{' || rest.front() == '(') {
+    const std::size_t length =
+        lengthOfBracketed(rest, rest.front(), rest.front() == '{' ? '}' : ')');
     return length ? pointers + length : 0;
   }
   constexpr std::string_view kLetters = "cCsSiIqQfdBv@#:*?";
@@ -60,6 +61,8 @@ Class NSMethodSignature::classObject() {
   static const Class kClass =
       ClassBuilder<NSMethodSignature>("NSMethodSignature", NSObject::classObject())
           .method<&NSMethodSignature::numberOfArguments>("numberOfArguments")
+          .method<&NSMethodSignature::getArgumentTypeAtIndex>("getArgumentTypeAtIndex:")
+          .method<&NSMethodSignature::methodReturnType>("methodReturnType")
           .registered();
   return kClass;
 }

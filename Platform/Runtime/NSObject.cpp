@@ -5,6 +5,7 @@
 
 #include "Platform/Runtime/AssociationTable.h"
 #include "Platform/Runtime/ClassBuilder.h"
+#include "Platform/Runtime/KeyValueHooks.h"
 #include "Platform/Runtime/NSException.h"
 #include "Platform/Runtime/NSInvocation.h"
 #include "Platform/Runtime/NSMethodSignature.h"
@@ -25,21 +26,30 @@ bool isEqualToObject(NSObject& self, SEL, id other) {
 }  // namespace
 
 NSObject::~NSObject() {
+  // In this order: what hangs on an object may observe it, and leaves it now.
   if (AssociationTable::isUsedBy(*this)) AssociationTable::removeAll(*this);
+  if (KeyValueHooks::isObserved(*this)) KeyValueHooks::forgetObservers(*this);
 }
 
 Class NSObject::classObject() {
-  static const Class kClass = ClassBuilder<NSObject>("NSObject", nullptr)
-                                  .conformsTo("NSObject")
-                                  .method<&NSObject::isa>("class")
-                                  .method("superclass", IMP(&superclassOf))
-                                  .method<&NSObject::isKindOfClass>("isKindOfClass:")
-                                  .method<&NSObject::isMemberOfClass>("isMemberOfClass:")
-                                  .method<&NSObject::respondsToSelector>("respondsToSelector:")
-                                  .method("isEqual:", IMP(&isEqualToObject))
-                                  .method<&NSObject::hash>("hash")
-                                  .method<&NSObject::description>("description")
-                                  .registered();
+  static const Class kClass = [] {
+    ClassBuilder<NSObject> root("NSObject", nullptr);
+    root.conformsTo("NSObject")
+        .method<&NSObject::isa>("class")
+        .method("superclass", IMP(&superclassOf))
+        .method<&NSObject::isKindOfClass>("isKindOfClass:")
+        .method<&NSObject::isMemberOfClass>("isMemberOfClass:")
+        .method<&NSObject::conformsToProtocol>("conformsToProtocol:")
+        .method<&NSObject::respondsToSelector>("respondsToSelector:")
+        .method<&NSObject::methodSignatureForSelector>("methodSignatureForSelector:")
+        .method("isEqual:", IMP(&isEqualToObject))
+        .method<&NSObject::hash>("hash")
+        .method<&NSObject::description>("description");
+    for (const Method& method : KeyValueHooks::methods()) {
+      root.method(method.selector.name(), method.implementation);
+    }
+    return root.registered();
+  }();
   return kClass;
 }
 

@@ -15,6 +15,7 @@ namespace rvf {
 
 class AssociationTable;
 class ClassRecord;
+class KeyValueHooks;
 class NSInvocation;
 class NSMethodSignature;
 
@@ -41,8 +42,8 @@ class RVF_EXPORT NSObject : public std::enable_shared_from_this<NSObject> {
   /// The class of this object.
   virtual Class isa() const;
 
-  bool isKindOfClass(Class aClass) const;
-  bool isMemberOfClass(Class aClass) const;
+  virtual bool isKindOfClass(Class aClass) const;
+  virtual bool isMemberOfClass(Class aClass) const;
   virtual bool conformsToProtocol(std::string_view protocolName) const;
   virtual bool respondsToSelector(SEL selector) const;
 
@@ -67,7 +68,9 @@ class RVF_EXPORT NSObject : public std::enable_shared_from_this<NSObject> {
 
  private:
   friend class AssociationTable;
+  friend class KeyValueHooks;
   mutable std::atomic<bool> hasAssociations_{false};
+  mutable std::atomic<bool> isObserved_{false};
 };
 
 /// The receiver as a `Ref` of its own class. It must be held by a `Ref` already, else

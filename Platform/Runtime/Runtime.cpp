@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -150,7 +151,12 @@ bool class_addMethod(Class aClass, SEL selector, IMP implementation) {
 }
 
 void class_addExtension(Class aClass, const std::vector<Method>& methods) {
-  if (aClass) aClass->prependMethods(methods);
+  if (!aClass) return;
+  std::vector<Method> whole;
+  std::ranges::copy_if(methods, std::back_inserter(whole), [](const Method& method) {
+    return method.selector && method.implementation;
+  });
+  aClass->prependMethods(whole);
 }
 
 Protocol objc_registerProtocol(std::string_view name, const std::vector<Protocol>& extended) {

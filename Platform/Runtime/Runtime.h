@@ -86,7 +86,8 @@ RVF_EXPORT bool class_respondsToSelector(Class aClass, SEL selector);
 /// Adds a method. False, and no change, if this very class has the selector already; overriding
 /// an inherited method succeeds. Calls that are running keep the method they began with.
 RVF_EXPORT bool class_addMethod(Class aClass, SEL selector, IMP implementation);
-/// Adds an extension's methods before all that the class has, whether or not it has them.
+/// Adds an extension's methods before all that the class has, whether or not it has them. Those
+/// without selector or implementation are left out.
 RVF_EXPORT void class_addExtension(Class aClass, const std::vector<Method>& methods);
 
 // Protocols

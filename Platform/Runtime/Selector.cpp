@@ -39,6 +39,15 @@ const std::string* internedName(std::string_view name) {
 
 SEL::SEL(std::string_view name) : name_(internedName(runtimeName(name))) {}
 
+SEL SEL::known(std::string_view name) {
+  SelectorTable& table = selectorTable();
+  const std::lock_guard lock(table.mutex);
+  const auto found = table.names.find(runtimeName(name));
+  SEL selector;
+  if (found != table.names.end()) selector.name_ = &*found;
+  return selector;
+}
+
 std::size_t SEL::argumentCount() const noexcept {
   return static_cast<std::size_t>(std::ranges::count(name(), ':'));
 }

@@ -22,6 +22,9 @@ class RVF_EXPORT SEL final {
   /// The null selector, which no object answers.
   constexpr SEL() noexcept = default;
   explicit SEL(std::string_view name);
+  /// The selector of this name if it has been made before, else the null selector: for names that
+  /// come from outside and need not become selectors for good.
+  static SEL known(std::string_view name);
 
   /// The full text; empty for the null selector.
   std::string_view name() const noexcept {

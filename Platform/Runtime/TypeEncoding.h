@@ -72,10 +72,18 @@ constexpr char integerEncoding() {
   return kLetters[sizeof(T) == 1 ? 0 : sizeof(T) == 2 ? 1 : sizeof(T) == 4 ? 2 : 3];
 }
 
+/// The encoding of a record type. A record that is boxed, or told apart by its encoding, gives its
+/// own beside its definition:
+///
+///     template <>
+///     inline constexpr std::string_view kRecordEncoding<RVFGridPoint> = "{RVFGridPoint=qq}";
+template <class T>
+inline constexpr std::string_view kRecordEncoding = "{?=}";
+
 /// The platform's type encoding of a C++ type: `c s S i I q Q f d`, `v`, `@` for objects and text,
 /// `@?` for blocks, `#` for classes, `:` for selectors, `*` for C strings, `^type` for pointers,
-/// `^?` for pointers to functions, `{?=}` for other records. A C++ `bool` is a flag and encodes
-/// as `c`, an enumeration as its integer type.
+/// `^?` for pointers to functions, `kRecordEncoding` for other records. A C++ `bool` is a flag and
+/// encodes as `c`, an enumeration as its integer type.
 template <class T>
 std::string typeEncoding() {
   using Plain = std::remove_cvref_t<T>;
@@ -102,7 +110,7 @@ std::string typeEncoding() {
   } else if constexpr (std::is_function_v<Plain>) {
     return "?";
   } else {
-    return "{?=}";
+    return std::string(kRecordEncoding<Plain>);
   }
 }
 

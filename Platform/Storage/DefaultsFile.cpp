@@ -13,6 +13,7 @@
 
 #include "Platform/Storage/FileContents.h"
 #include "Platform/Storage/NSPropertyListSerialization.h"
+#include "Platform/Storage/PropertyListError.h"
 
 namespace rvf {
 namespace {
@@ -43,13 +44,36 @@ std::string folderOf(const std::string& path) {
   return folder.empty() ? "." : folder.string();
 }
 
-/// Makes the folder and those above it, each for its owner only, as the XDG Base Directory
+/// The names in the folder reach the disk with it.
+bool makeDurable(const std::string& folder) {
+  const OwnedDescriptor opened(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  return opened && fsync(opened.get()) == 0;
+}
+
+/// A folder whose name may get lost is removed again: the next attempt would take it for durable.
+bool makeOneFolder(const std::string& folder) {
+  if (mkdir(folder.c_str(), 0700) != 0) return errno == EEXIST;
+  if (makeDurable(folderOf(folder))) return true;
+  const int problem = errno;
+  rmdir(folder.c_str());
+  errno = problem;
+  return false;
+}
+
+/// Makes the folder and those above it, durably, each for its owner only, as the XDG Base Directory
 /// Specification asks.
 bool makeFolder(const std::string& folder) {
-  if (mkdir(folder.c_str(), 0700) == 0 || errno == EEXIST) return true;
+  if (makeOneFolder(folder)) return true;
   const std::string above = folderOf(folder);
-  if (errno != ENOENT || above == folder || !makeFolder(above)) return false;
-  return mkdir(folder.c_str(), 0700) == 0 || errno == EEXIST;
+  return errno == ENOENT && above != folder && makeFolder(above) && makeOneFolder(folder);
+}
+
+/// Never over another file. Not every file system knows the flag; a hard link is never made over a
+/// file either.
+bool renameWithoutReplacing(const std::string& from, const std::string& to) {
+  if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return true;
+  if (errno != EINVAL && errno != ENOSYS) return false;
+  return link(from.c_str(), to.c_str()) == 0 && unlink(from.c_str()) == 0;
 }
 
 bool isSameFile(const struct stat& a, const struct stat& b) noexcept {
@@ -82,7 +106,7 @@ DefaultsFile::State DefaultsFile::fail(State state, Ref<NSError> error) {
 }
 
 DefaultsFile::State DefaultsFile::read(Ref<NSDictionary>& contents) {
-  OwnedDescriptor file(::open(path_.c_str(), O_RDONLY | O_CLOEXEC));
+  OwnedDescriptor file(::open(path_.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
   struct stat status = {};
   if (!file || fstat(file.get(), &status) != 0) {
     const int problem = errno;
@@ -96,7 +120,10 @@ DefaultsFile::State DefaultsFile::read(Ref<NSDictionary>& contents) {
   if (!data) return fail(State::unreadable, error);
   const id root = NSPropertyListSerialization::propertyListWithData(data, nullptr, &error);
   auto dictionary = std::dynamic_pointer_cast<NSDictionary>(root);
-  if (!dictionary) return fail(State::damaged, error);
+  if (!dictionary) {
+    if (root) error = propertyListError(NSPropertyListReadCorruptError, "no dictionary");
+    return fail(State::damaged, error);
+  }
   contents = std::move(dictionary);
   known_ = std::move(file);
   knownStatus_ = status;
@@ -142,12 +169,6 @@ bool DefaultsFile::writeWhole(int descriptor, std::string_view bytes) {
   return fsync(descriptor) == 0;
 }
 
-/// The new name of the file reaches the disk with its folder.
-bool DefaultsFile::makeDurable() const {
-  const OwnedDescriptor folder(::open(folderOf(path_).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  return folder && fsync(folder.get()) == 0;
-}
-
 bool DefaultsFile::write(const NSDictionary& contents) {
   const auto data = NSPropertyListSerialization::dataWithPropertyList(
       std::const_pointer_cast<NSObject>(contents.shared_from_this()), NSPropertyListFormat::binary,
@@ -170,7 +191,7 @@ bool DefaultsFile::write(const NSDictionary& contents) {
   }
   known_ = std::move(kept);
   knownStatus_ = status;
-  if (makeDurable()) return true;
+  if (makeDurable(folderOf(path_))) return true;
   failWriting(path_);
   return false;
 }
@@ -178,9 +199,7 @@ bool DefaultsFile::write(const NSDictionary& contents) {
 std::optional<std::string> DefaultsFile::setAside() {
   for (int number = 1;; ++number) {
     std::string path = path_ + ".damaged-" + std::to_string(number);
-    if (renameat2(AT_FDCWD, path_.c_str(), AT_FDCWD, path.c_str(), RENAME_NOREPLACE) == 0) {
-      return path;
-    }
+    if (renameWithoutReplacing(path_, path)) return path;
     if (errno != EEXIST) return failWriting(path_);
   }
 }

@@ -52,8 +52,8 @@ class DefaultsFile final {
   State read(Ref<NSDictionary>& contents);
 
   /// Locks other processes, and other objects in this one, out of writing; waits for them. Makes
-  /// the folder (mode 0700) first if there is none. The lock is released with its owner; none if
-  /// that fails, see `error`.
+  /// the folder (mode 0700) first, durably, if there is none. The lock is released with its owner;
+  /// none if that fails, see `error`.
   OwnedDescriptor lock();
 
   /// Replaces the file (mode 0600), durably. To be called with the lock held. On failure the old
@@ -71,7 +71,6 @@ class DefaultsFile final {
   State fail(State state, Ref<NSError> error);
   std::nullopt_t failWriting(const std::string& path);
   static bool writeWhole(int descriptor, std::string_view bytes);
-  bool makeDurable() const;
 
   std::string path_;
   /// What was last read or written, kept open so that no later file gets its inode.

@@ -3,6 +3,7 @@
 
 #include <utility>
 
+#include "Platform/Runtime/ScopeExit.h"
 #include "Platform/Text/NSLog.h"
 #include "Platform/Values/NSString.h"
 
@@ -83,10 +84,10 @@ bool DefaultsStore::fail() {
 }
 
 void DefaultsStore::takeOver(const NSDictionary& contents) {
-  const std::lock_guard guard(valuesMutex_);
-  Values values;
+  Values values;  // in the end the old ones, which may take long to free: not with the mutex held
   for (const auto& [key, value] : contents.entries())
     values.insert_or_assign(key->description(), value);
+  const std::lock_guard guard(valuesMutex_);
   for (const std::string& key : changed_) {
     const auto mine = values_.find(key);
     if (mine == values_.end()) {
@@ -128,11 +129,15 @@ bool DefaultsStore::refresh() {
 bool DefaultsStore::setDamagedAside() {
   Ref<NSDictionary> contents;
   const LockHold hold(*this);
+  if (!hold) {
+    tellOfDamage(std::nullopt);
+    return fail();
+  }
   const DefaultsFile::State state = file_->read(contents);
   if (state == DefaultsFile::State::read) takeOver(*contents);
   if (state == DefaultsFile::State::unreadable) return fail();
   if (state == DefaultsFile::State::damaged) {
-    const auto newPath = hold ? file_->setAside() : std::nullopt;
+    const auto newPath = file_->setAside();
     tellOfDamage(newPath);
     if (!newPath) return fail();
   }
@@ -158,13 +163,13 @@ bool DefaultsStore::write() {
       entries.emplace(box(key), value);
     written.swap(changed_);
   }
-  const bool isWritten = file_->write(*std::make_shared<NSDictionary>(std::move(entries)));
-  if (isWritten) return true;
-  {
+  const ScopeExit kept([&] {
     const std::lock_guard guard(valuesMutex_);
     changed_.merge(written);
-  }
-  return fail();
+  });
+  if (!file_->write(*std::make_shared<NSDictionary>(std::move(entries)))) return fail();
+  written.clear();
+  return true;
 }
 
 bool DefaultsStore::synchronize() {

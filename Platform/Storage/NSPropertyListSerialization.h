@@ -30,11 +30,11 @@ inline constexpr long NSPropertyListWriteInvalidError = 3851;
 /// text form every leaf is a text or a data block, and a file of one bare word is a text.
 ///
 /// Limits: 256 collections inside one another, in both directions. Dates in XML are cut to whole
-/// seconds and lie in the years 1000 to 9999. Keys with U+0000 are neither read nor written; texts
-/// with it are read, but not written. XML has no room for most other controls either. One text or
-/// data block in XML may be 10 MB long. Binary lists without room for themselves (shared
-/// collections that unfold to more than 256 MB, or four times the file) are refused, and so are
-/// references of an archive.
+/// seconds and lie in the years 1000 to 9999. XML has no room for most controls, U+0000 among them.
+/// XML may be 2 GB long; if it declares entities or names another encoding than UTF-8, a text or
+/// data block in it 10 MB, and collections 254 deep. What a binary list holds once and refers to
+/// several times is one object; lists that would come to more than 64 MB, and 64 times the file, if
+/// it were not, are neither read nor written, in XML neither. References of an archive are refused.
 ///
 /// Thread-safe.
 class RVF_EXPORT NSPropertyListSerialization final : public NSObject {

@@ -23,9 +23,10 @@ class DefaultsStore;
 ///     defaults->setInteger(3, "drawer");
 ///     if (!defaults->synchronize()) { … }
 ///
-/// Values are property lists, see `NSPropertyListSerialization`; anything else, texts with U+0000
-/// and texts that are not UTF-8 included, raises `NSInvalidArgumentException`. Setting takes a deep
-/// immutable copy; what is read is immutable. A key that has no value has its registered one.
+/// Values are property lists, see `NSPropertyListSerialization`; anything else, texts that are not
+/// UTF-8 included, raises `NSInvalidArgumentException`. Setting takes a deep immutable copy, which
+/// shares what is immutable already; what is read is immutable. A key that has no value has its
+/// registered one.
 ///
 /// The standard defaults are kept in "defaults.plist", in a folder that the application names under
 /// $XDG_CONFIG_HOME or ~/.config (XDG Base Directory Specification). The file is a binary property
@@ -37,14 +38,21 @@ class DefaultsStore;
 /// "defaults.plist.damaged-1" (2, 3, …) with one line in the log, and the defaults start empty.
 /// One that cannot be read is left alone, and `synchronize` fails.
 ///
-/// Thread-safe. A subclass may keep its values elsewhere: every operation is virtual.
+/// Thread-safe: any thread may call anything at any time. A reading sees all of a value, the one
+/// from before or after a change that another thread is making; `synchronize` and
+/// `performExclusively` run one after the other, and readings and settings do not wait for them,
+/// except the first use, which reads the file. A change that depends on the value before it needs
+/// `performExclusively`.
+///
+/// A subclass may keep its values elsewhere: every operation is virtual.
 class RVF_EXPORT NSUserDefaults : public NSObject {
  public:
   /// Those of the running application, shared. Named after the program's file unless
   /// `setStandardFolderName` was called.
   static Ref<NSUserDefaults> standardUserDefaults();
   /// Names the folder of the standard defaults. Raises `NSInvalidArgumentException` unless it is
-  /// one path component, and `NSInternalInconsistencyException` once they are in use.
+  /// one path component, and `NSInternalInconsistencyException` once they are in use,
+  /// which asking for the current locale begins as well.
   static void setStandardFolderName(std::string_view name);
   /// Defaults kept in this file. Two objects on one file are like two processes.
   static Ref<NSUserDefaults> userDefaultsWithFile(std::string_view path);
@@ -81,6 +89,7 @@ class RVF_EXPORT NSUserDefaults : public NSObject {
   virtual double doubleForKey(std::string_view key);
   virtual bool boolForKey(std::string_view key);
 
+  /// These four box the value and call `setObject`.
   virtual void setInteger(long value, std::string_view key);
   virtual void setFloat(float value, std::string_view key);
   virtual void setDouble(double value, std::string_view key);

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <string>
 #include <string_view>
 
 #include "Platform/Runtime/NSObject.h"
@@ -24,13 +23,13 @@ enum class PropertyListKind {
 /// What an object is in a property list; its elements are not looked at.
 PropertyListKind propertyListKind(const NSObject& object);
 
-/// Why a form has no room for a text: it is not UTF-8, holds U+0000, or a character that XML
-/// excludes (XML 1.0, 2.2). Empty if there is room.
-std::string problemOfText(std::string_view text, NSPropertyListFormat format);
+/// Why a form has no room for a text: it is not UTF-8, or holds a character that XML excludes (XML
+/// 1.0, 2.2). Empty if there is room.
+std::string_view problemOfText(std::string_view text, NSPropertyListFormat format) noexcept;
 
 /// A deep immutable copy that shares what is immutable anyway, to be put into a dictionary. Raises
 /// `NSInvalidArgumentException` if the object is absent or no property list that the binary form
-/// has room for.
+/// has room for, also because it unfolds too far. Linear in the number of distinct objects.
 id propertyListSnapshot(const id& object);
 
 /// Raises `NSInvalidArgumentException` if no dictionary of a property list may have the key.

@@ -9,6 +9,7 @@
 
 #include "Platform/Storage/PropertyListError.h"
 #include "Platform/Text/Text.h"
+#include "Platform/Text/Utf16.h"
 #include "Platform/Values/NSArray.h"
 #include "Platform/Values/NSData.h"
 #include "Platform/Values/NSDictionary.h"
@@ -28,19 +29,6 @@ std::optional<unsigned> digitOf(char c, unsigned base) noexcept {
   if (c >= 'a' && c <= 'f') digit = static_cast<unsigned>(c - 'a') + 10;
   if (c >= 'A' && c <= 'F') digit = static_cast<unsigned>(c - 'A') + 10;
   return digit < base ? std::optional(digit) : std::nullopt;
-}
-
-void appendUtf8(std::string& text, char32_t c) {
-  const auto tail = [c](unsigned shift) { return static_cast<char>(0x80 | (c >> shift & 0x3F)); };
-  if (c < 0x80) {
-    text += static_cast<char>(c);
-  } else if (c < 0x800) {
-    text.append({static_cast<char>(0xC0 | c >> 6), tail(0)});
-  } else if (c < 0x10000) {
-    text.append({static_cast<char>(0xE0 | c >> 12), tail(6), tail(0)});
-  } else {
-    text.append({static_cast<char>(0xF0 | c >> 18), tail(12), tail(6), tail(0)});
-  }
 }
 
 class Reader final {

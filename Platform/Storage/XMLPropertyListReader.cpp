@@ -21,11 +21,22 @@
 namespace rvf {
 namespace {
 
+/// The parser's own limits on depth and length are lower than those of property lists. They may
+/// fall where no entity can grow: in UTF-8, in which a declaration of one cannot hide.
+int optionsFor(std::string_view bytes) {
+  const bool isUtf8 = bytes.starts_with("<plist") ||
+                      bytes.starts_with("<?xml version=\"1.0\" encoding=\"UTF-8\"?>");
+  const bool mayBeHuge = isUtf8 && bytes.find("<!ENTITY") == std::string_view::npos;
+  return mayBeHuge ? XML_PARSE_NONET | XML_PARSE_HUGE : XML_PARSE_NONET;
+}
+
 class Reader final {
  public:
   explicit Reader(std::string_view bytes)
       : reader_(xmlReaderForMemory(bytes.data(), static_cast<int>(bytes.size()), nullptr, nullptr,
-                                   XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING)) {}
+                                   optionsFor(bytes))) {
+    if (reader_) xmlTextReaderSetStructuredErrorHandler(reader_.get(), &ignoreProblem, nullptr);
+  }
 
   id read() {
     if (!step() || type_ != XML_READER_TYPE_ELEMENT || name_ != "plist") {
@@ -41,6 +52,9 @@ class Reader final {
   const std::string& problem() const noexcept { return problem_; }
 
  private:
+  /// Without one, libxml2 prints to standard error.
+  static void ignoreProblem(void*, xmlErrorPtr) noexcept {}
+
   struct Freed {
     void operator()(xmlTextReader* reader) const noexcept { xmlFreeTextReader(reader); }
   };

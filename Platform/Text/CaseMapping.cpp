@@ -5,35 +5,19 @@
 #include <unicode/casemap.h>
 
 #include <algorithm>
-#include <cstddef>
 #include <cstdint>
 #include <stdexcept>
 
-#include "Platform/Text/Utf8.h"
+#include "Platform/Text/Utf8Pieces.h"
 
 namespace rvf {
 namespace {
-
-/// The library counts in 32 bits. No mapping to upper case looks at the characters around.
-constexpr std::size_t kLongestPiece = std::size_t{1} << 20;
 
 constexpr char uppercaseASCII(char c) noexcept {
   return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
 }
 
-/// Cuts well-formed text off the front, at most one piece.
-std::string_view takePiece(std::string_view& text) noexcept {
-  std::string_view rest = text;
-  while (!rest.empty() && text.size() - rest.size() < kLongestPiece) {
-    const Utf8Unit unit = firstUtf8Unit(rest);
-    if (!unit.wellFormed) break;
-    rest.remove_prefix(unit.length);
-  }
-  const std::string_view piece = text.substr(0, text.size() - rest.size());
-  text = rest;
-  return piece;
-}
-
+/// No mapping to upper case looks at the characters around, so pieces map like the whole.
 void appendUppercase(std::string_view piece, std::string& result) {
   icu::StringByteSink<std::string> sink(&result);
   UErrorCode status = U_ZERO_ERROR;
@@ -52,7 +36,7 @@ std::string uppercaseText(std::string_view text) {
   std::ranges::transform(result, result.begin(), uppercaseASCII);
   text.remove_prefix(result.size());
   while (!text.empty()) {
-    const std::string_view piece = takePiece(text);
+    const std::string_view piece = takeWellFormedPiece(text);
     if (!piece.empty()) {
       appendUppercase(piece, result);
       continue;

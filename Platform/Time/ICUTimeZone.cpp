@@ -1,29 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Platform/Time/ICUTimeZone.h"
 
-#include <unicode/simpletz.h>
 #include <unicode/unistr.h>
 
+#include <cstdlib>
+
 namespace rvf {
-namespace {
-
-std::string utf8(const icu::UnicodeString& text) {
-  std::string bytes;
-  return text.toUTF8String(bytes);
-}
-
-/// "GMT+05:30" in the library's canonical form.
-std::string nameForOffset(std::int32_t milliseconds) {
-  constexpr std::int32_t kMinute = 60'000;
-  const std::int32_t minutes = std::abs(milliseconds) / kMinute;
-  const auto twoDigits = [](std::int32_t n) {
-    return std::string(n < 10 ? "0" : "") + std::to_string(n);
-  };
-  return std::string("GMT") + (milliseconds < 0 ? "-" : "+") + twoDigits(minutes / 60) + ":" +
-         twoDigits(minutes % 60);
-}
-
-}  // namespace
 
 std::unique_ptr<icu::TimeZone> icuTimeZone(std::string_view name) {
   const icu::StringPiece bytes(name.data(), static_cast<std::int32_t>(name.size()));
@@ -32,11 +14,15 @@ std::unique_ptr<icu::TimeZone> icuTimeZone(std::string_view name) {
   return zone && *zone != icu::TimeZone::getUnknown() ? std::move(zone) : nullptr;
 }
 
-std::string icuHostTimeZoneName() {
-  const std::unique_ptr<icu::TimeZone> host(icu::TimeZone::detectHostTimeZone());
-  icu::UnicodeString id;
-  const std::string name = utf8(host->getID(id));
-  return icuTimeZone(name) ? name : nameForOffset(host->getRawOffset());
+std::string timeZoneNameForOffset(std::int32_t seconds) {
+  if (seconds == 0) return "GMT";
+  const std::int32_t distance = std::abs(seconds);
+  const auto twoDigits = [](std::int32_t n) {
+    return std::string(n < 10 ? "0" : "") + std::to_string(n);
+  };
+  const std::string name = std::string(seconds < 0 ? "GMT-" : "GMT+") + twoDigits(distance / 3600) +
+                           ":" + twoDigits(distance / 60 % 60);
+  return distance % 60 == 0 ? name : name + ":" + twoDigits(distance % 60);
 }
 
 }  // namespace rvf

@@ -3,6 +3,7 @@
 
 #include <unicode/timezone.h>
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -12,7 +13,8 @@ namespace rvf {
 /// The library's own form of a zone; null if it knows none of this name.
 std::unique_ptr<icu::TimeZone> icuTimeZone(std::string_view name);
 
-/// A name that `icuTimeZone` knows for the zone that the device is set to.
-std::string icuHostTimeZoneName();
+/// The name of the zone at a distance of less than a day from UTC: "GMT", "GMT-03:30",
+/// "GMT+00:19:32".
+std::string timeZoneNameForOffset(std::int32_t seconds);
 
 }  // namespace rvf

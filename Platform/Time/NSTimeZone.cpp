@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Platform/Time/NSTimeZone.h"
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -8,6 +9,7 @@
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
 #include "Platform/Runtime/NSCopying.h"
+#include "Platform/Time/HostTimeZone.h"
 #include "Platform/Time/ICUTimeZone.h"
 
 namespace rvf {
@@ -31,8 +33,14 @@ Ref<NSTimeZone> NSTimeZone::timeZoneWithName(std::string_view name) {
   return icuTimeZone(name) ? Ref<NSTimeZone>(new NSTimeZone(std::string(name))) : nullptr;
 }
 
+Ref<NSTimeZone> NSTimeZone::timeZoneForSecondsFromGMT(long seconds) {
+  constexpr long kSecondsPerDay = 86400;
+  if (seconds <= -kSecondsPerDay || seconds >= kSecondsPerDay) return nullptr;
+  return timeZoneWithName(timeZoneNameForOffset(static_cast<std::int32_t>(seconds)));
+}
+
 Ref<NSTimeZone> NSTimeZone::systemTimeZone() {
-  return Ref<NSTimeZone>(new NSTimeZone(icuHostTimeZoneName()));
+  return Ref<NSTimeZone>(new NSTimeZone(hostTimeZoneName(HostTimeZoneSources::ofDevice())));
 }
 
 Ref<NSTimeZone> NSTimeZone::defaultTimeZone() {

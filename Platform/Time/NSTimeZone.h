@@ -18,7 +18,11 @@ class RVF_EXPORT NSTimeZone final : public NSObject {
  public:
   /// Absent if no zone has this name.
   static Ref<NSTimeZone> timeZoneWithName(std::string_view name);
-  /// The device's, read anew each time: the environment variable TZ, else /etc/localtime.
+  /// The one at this distance from UTC, east of it being positive; absent for a day or more.
+  static Ref<NSTimeZone> timeZoneForSecondsFromGMT(long seconds);
+  /// The device's, read anew each time: the environment variable TZ, a name or the path of a zone's
+  /// file, else /etc/localtime. Where that has no name, as a rule of POSIX has none
+  /// ("EST5EDT,M3.2.0,M11.1.0"), it is the one at the distance of now. Thread-safe.
   static Ref<NSTimeZone> systemTimeZone();
   /// What new calendars get: the device's, unless the program set another.
   static Ref<NSTimeZone> defaultTimeZone();

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <functional>
 
+#include "Platform/Runtime/AnyArgument.h"
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
 #include "Platform/Runtime/NSCopying.h"
@@ -51,6 +52,15 @@ bool NSValue::isEqual(const NSObject* other) const {
 std::size_t NSValue::hash() const {
   return std::hash<std::string_view>()(
       {reinterpret_cast<const char*>(bytes_.data()), bytes_.size()});
+}
+
+id objectOfRecord(const RecordValue& record) {
+  return std::make_shared<NSValue>(record.bytes, record.encoding);
+}
+
+RecordValue recordOfObject(const NSObject& object) {
+  const auto* value = dynamic_cast<const NSValue*>(&object);
+  return value ? RecordValue{value->bytes(), value->objCType(), nullptr} : RecordValue();
 }
 
 }  // namespace rvf

@@ -45,6 +45,8 @@ class RVF_EXPORT NSValue : public NSObject {
     std::memcpy(&record, bytes_.data(), sizeof(T));
     return true;
   }
+  /// Empty for a number.
+  const std::vector<std::byte>& bytes() const noexcept { return bytes_; }
   /// The object referred to; absent if it is gone, or if this boxes a record.
   id nonretainedObjectValue() const { return object_.lock(); }
 

@@ -3,6 +3,16 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+#include <vector>
+
+#include "Platform/Observation/NSNotificationCenter.h"
+#include "Platform/Runtime/NSException.h"
+#include "Platform/Storage/NSUserDefaults.h"
+#include "Platform/Values/NSNumber.h"
+#include "Platform/Values/NSString.h"
+#include "tests/Platform/Locale/LocaleListener.h"
+
 namespace rvf {
 namespace {
 
@@ -85,12 +95,70 @@ TEST(NSLocale, KnowsItsDecimalSeparator) {
     EXPECT_EQ(NSLocale(identifier).decimalSeparator(), separator) << identifier;
 }
 
-TEST(NSLocale, CountsTheChangesOfTheCurrentLocale) {
-  const unsigned long before = NSLocale::changesOfCurrentLocale();
+/// The user's choice in the standard user defaults.
+class CurrentLocaleTest : public testing::Test {
+ protected:
+  ~CurrentLocaleTest() override { NSLocale::setCurrentLocaleIdentifier(std::nullopt); }
+
+  static std::string current() { return NSLocale::currentLocale()->localeIdentifier(); }
+  static void choose(const id& value) {
+    NSUserDefaults::standardUserDefaults()->setObject(value, "AppleLocale");
+  }
+  static void postChange() {
+    NSNotificationCenter::defaultCenter()->postNotificationName(
+        NSCurrentLocaleDidChangeNotification, nullptr);
+  }
+};
+
+TEST_F(CurrentLocaleTest, IsTheUsersChoiceFromTheNotificationOn) {
   NSLocale::setCurrentLocaleIdentifier("de_DE");
-  EXPECT_EQ(NSLocale::changesOfCurrentLocale(), before + 1);
+  EXPECT_EQ(current(), "de_DE");
+  choose(box("fr_FR"));
+  EXPECT_EQ(current(), "de_DE");
+  postChange();
+  EXPECT_EQ(current(), "fr_FR");
+  EXPECT_EQ(NSLocale::currentLocale(), NSLocale::currentLocale());
+}
+
+TEST_F(CurrentLocaleTest, IsTheEnvironmentsWithoutAChoice) {
   NSLocale::setCurrentLocaleIdentifier(std::nullopt);
-  EXPECT_EQ(NSLocale::changesOfCurrentLocale(), before + 2);
+  const std::string environments = current();
+  choose(box("xx_YY"));
+  postChange();
+  EXPECT_EQ(current(), "xx_YY");
+  choose(nullptr);
+  postChange();
+  EXPECT_EQ(current(), environments);
+  choose(box(7));
+  postChange();
+  EXPECT_EQ(current(), environments);
+}
+
+TEST_F(CurrentLocaleTest, SettingItChoosesForThisProcessAndTellsObservers) {
+  const auto listener = LocaleListener::listening();
+  NSLocale::setCurrentLocaleIdentifier("de_AT");
+  EXPECT_TRUE(objectsAreEqual(NSUserDefaults::standardUserDefaults()->objectForKey("AppleLocale"),
+                              box("de_AT")));
+  NSLocale::setCurrentLocaleIdentifier("it_IT");
+  EXPECT_EQ(listener->locales(), (std::vector<std::string>{"de_AT", "it_IT"}));
+  EXPECT_TRUE(listener->isPlain());
+}
+
+TEST_F(CurrentLocaleTest, WhatIsNoUTF8IsRefused) {
+  NSLocale::setCurrentLocaleIdentifier("de_AT");
+  EXPECT_THROW(NSLocale::setCurrentLocaleIdentifier("\xFF"), NSException);
+  EXPECT_EQ(current(), "de_AT");
+}
+
+TEST_F(CurrentLocaleTest, EveryChangeHasAnotherNumber) {
+  NSLocale::currentLocale();
+  const unsigned long before = NSLocale::changesOfCurrentLocale();
+  EXPECT_EQ(NSLocale::changesOfCurrentLocale(), before);
+  NSLocale::setCurrentLocaleIdentifier("de_DE");
+  const unsigned long afterwards = NSLocale::changesOfCurrentLocale();
+  EXPECT_NE(afterwards, before);
+  postChange();
+  EXPECT_NE(NSLocale::changesOfCurrentLocale(), afterwards);
 }
 
 }  // namespace

@@ -68,6 +68,29 @@ TEST_F(PublishingTest, AnEmptyNameIsTheHosts) {
   EXPECT_EQ(published->name(), "Front desk");
 }
 
+TEST_F(PublishingTest, AnEmptyNameThatShallBeUniqueIsTheHostsWithRandomCharacters) {
+  const auto first = service("");
+  const auto second = service("");
+  for (const auto& published : {first, second}) {
+    published->setNameIsUnique(true);
+    published->publish();
+  }
+  const std::string name = publication(0).wanted().identity.name;
+  EXPECT_THAT(name, testing::MatchesRegex("Front desk-[0-9a-z]{16}"));
+  EXPECT_NE(publication(1).wanted().identity.name, name);
+  EXPECT_TRUE(publication(1).wanted().isUnique);
+}
+
+TEST_F(PublishingTest, ANameThatTurnsOutNotToBeUniqueIsProbedForAfterwards) {
+  const auto published = service("");
+  published->setNameIsUnique(true);
+  published->publish();
+  const std::string name = publication().wanted().identity.name;
+  publication().fire(&PublishEvents::collided);
+  EXPECT_EQ(publication().wanted().identity.name, name + " (2)");
+  EXPECT_FALSE(publication().wanted().isUnique);
+}
+
 TEST_F(PublishingTest, ACollisionOnTheNetworkNumbersTheName) {
   const auto published = service("Till");
   published->publish();

@@ -4,6 +4,9 @@
 #include <gtest/gtest.h>
 #include <rapidcheck.h>
 
+#include <filesystem>
+#include <utility>
+
 #include "tests/Platform/Text/TextGenerators.h"
 
 namespace rvf {
@@ -307,6 +310,27 @@ TEST(NSURL, HandlesAMegabyte) {
   EXPECT_EQ(resolved("http://h/", folders + dots), "http://h/" + folders);
   EXPECT_EQ(NSURL::URLWithString("http://h/" + folders)->path()->size(), folders.size());
   EXPECT_EQ(NSURL::URLWithString(std::string(kMegabyte, ':'))->path(), std::string(kMegabyte, ':'));
+}
+
+TEST(NSURL, NamesAFileByItsPath) {
+  const std::pair<const char*, const char*> rows[] = {
+      {"/etc/hosts", "file:///etc/hosts"},
+      {"/", "file:///"},
+      {"/a b/ü;x?#%/", "file:///a%20b/%C3%BC%3Bx%3F%23%25/"}};
+  for (const auto& [path, text] : rows) {
+    const auto url = NSURL::fileURLWithPath(path);
+    ASSERT_NE(url, nullptr) << path;
+    EXPECT_EQ(url->absoluteString(), text);
+    EXPECT_TRUE(url->isFileURL());
+  }
+  EXPECT_EQ(NSURL::fileURLWithPath("/a b/ü;x?#%")->path(), "/a b/ü;x?#%");
+  EXPECT_EQ(NSURL::fileURLWithPath("/\xFF"), nullptr);
+  EXPECT_FALSE(NSURL::URLWithString("http://h/etc/hosts")->isFileURL());
+}
+
+TEST(NSURL, NamesAFileRelativeToTheCurrentFolder) {
+  const auto path = std::filesystem::current_path() / "x";
+  EXPECT_EQ(NSURL::fileURLWithPath("x")->path(), path.string());
 }
 
 }  // namespace

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Platform/Network/ServiceNames.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
+
+#include <set>
 
 namespace rvf {
 namespace {
@@ -71,6 +73,25 @@ TEST(ServiceNames, ATakenNameIsNumbered) {
   };
   for (const auto& [name, next] : rows)
     EXPECT_EQ(nextServiceName(name), next) << name;
+}
+
+TEST(ServiceNames, AUniqueNameHasSixteenRandomCharactersBehindIt) {
+  EXPECT_THAT(uniqueServiceName("Till"), testing::MatchesRegex("Till-[0-9a-z]{16}"));
+  std::set<std::string> names;
+  for (int i = 0; i < 1000; ++i)
+    names.insert(uniqueServiceName("Till"));
+  EXPECT_EQ(names.size(), 1000U);
+}
+
+TEST(ServiceNames, AUniqueNameIsNeverLongerThanALabel) {
+  const std::string cut = uniqueServiceName(std::string(63, 'x'));
+  EXPECT_EQ(cut.size(), 63U);
+  EXPECT_EQ(cut.find('-'), 46U);
+  EXPECT_EQ(uniqueServiceName(std::string(45, 'x') + "ü").find('-'), 45U);
+}
+
+TEST(ServiceNames, AUniqueNameThatIsTakenAllTheSameIsNumbered) {
+  EXPECT_EQ(nextServiceName("Till-5xq0c7k1m9b2h4wz"), "Till-5xq0c7k1m9b2h4wz (2)");
 }
 
 }  // namespace

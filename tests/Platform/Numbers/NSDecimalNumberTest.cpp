@@ -5,10 +5,15 @@
 #include <rapidcheck.h>
 
 #include <limits>
+#include <memory>
+#include <string>
+#include <string_view>
 
 #include "Platform/Runtime/Messaging.h"
 #include "Platform/Runtime/NSCopying.h"
 #include "Platform/Runtime/NSException.h"
+#include "Platform/Storage/NSKeyedArchiver.h"
+#include "Platform/Storage/NSKeyedUnarchiver.h"
 
 namespace rvf {
 namespace {
@@ -183,6 +188,36 @@ TEST(NSDecimalNumber, ErrorsRaiseByDefault) {
 TEST(NSDecimalNumber, IsItsOwnCopy) {
   const auto price = number("1.5");
   EXPECT_EQ(copyOfObject(price), price);
+}
+
+TEST(NSDecimalNumber, IsArchivedToTheLastDigit) {
+  const std::string_view texts[] = {"0",       "1",     "-0.1",
+                                    "19.99",   "65536", "99999999999999999999999999999999999999",
+                                    "-1e-128", "9e127", "NaN"};
+  for (const std::string_view text : texts) {
+    const auto data = NSKeyedArchiver::archivedDataWithRootObject(number(text));
+    const id again = NSKeyedUnarchiver::unarchiveTopLevelObjectWithData(data);
+    ASSERT_TRUE(again && again->isMemberOfClass(NSDecimalNumber::classObject())) << text;
+    EXPECT_EQ(static_cast<const NSDecimalNumber&>(*again).stringValue(),
+              number(text)->stringValue());
+  }
+}
+
+TEST(NSDecimalNumber, ArchivedPartsThatNoDecimalHasAreNaN) {
+  const struct {
+    long exponent;
+    std::size_t bytes;
+    bool isNegative;
+  } rows[] = {{128, 16, false}, {-129, 16, false}, {0, 15, false}, {0, 17, false}, {0, 16, true}};
+  for (const auto& row : rows) {
+    const auto archiver = std::make_shared<NSKeyedArchiver>();
+    archiver->encodeInteger(row.exponent, "NS.exponent");
+    archiver->encodeBool(row.isNegative, "NS.negative");
+    archiver->encodeObject(NSData::dataWithBytes(std::string(row.bytes, '\0')), "NS.mantissa");
+    const Ref<NSCoder> reader = NSKeyedUnarchiver::initForReadingFromData(archiver->encodedData());
+    const id value = send<id>(NSDecimalNumber::zero(), SEL("initWithCoder:"), reader);
+    EXPECT_EQ(value->description(), "NaN") << row.exponent << " " << row.bytes;
+  }
 }
 
 TEST(NSDecimalNumber, HasPartsAndConstants) {

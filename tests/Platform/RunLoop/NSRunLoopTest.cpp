@@ -3,12 +3,8 @@
 
 #include <gmock/gmock.h>
 #include <rapidcheck.h>
-#include <sys/resource.h>
-#include <unistd.h>
 
 #include <exception>
-#include <filesystem>
-#include <iterator>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -17,6 +13,7 @@
 #include <vector>
 
 #include "Platform/Runtime/NSAutoreleasePool.h"
+#include "tests/Platform/RunLoop/OpenDescriptors.h"
 #include "tests/Platform/RunLoop/RunLoopFixture.h"
 
 namespace rvf {
@@ -322,30 +319,6 @@ TEST_F(NSRunLoopTest, SourcesMayOutliveTheirLoop) {
   }).join();
   timer.reset();
 }
-
-std::size_t openDescriptors() {
-  const std::filesystem::directory_iterator all("/proc/self/fd");
-  return static_cast<std::size_t>(std::distance(begin(all), end(all)));
-}
-
-/// Lets this process open so many descriptors more, while it lives.
-class DescriptorLimit final {
- public:
-  explicit DescriptorLimit(rlim_t more) {
-    ::getrlimit(RLIMIT_NOFILE, &before_);
-    rlimit limit = before_;
-    const int lowestFree = ::dup(STDIN_FILENO);
-    ::close(lowestFree);
-    limit.rlim_cur = static_cast<rlim_t>(lowestFree) + more;
-    ::setrlimit(RLIMIT_NOFILE, &limit);
-  }
-  ~DescriptorLimit() { ::setrlimit(RLIMIT_NOFILE, &before_); }
-  DescriptorLimit(const DescriptorLimit&) = delete;
-  DescriptorLimit& operator=(const DescriptorLimit&) = delete;
-
- private:
-  rlimit before_{};
-};
 
 /// What making a run loop on a new thread throws that may open so many descriptors more.
 std::exception_ptr raisedWithDescriptors(rlim_t more) {

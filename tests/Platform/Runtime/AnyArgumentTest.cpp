@@ -73,7 +73,7 @@ TEST(AnyArgument, ObjectsOfAnotherClassRaiseAndSayWhich) {
     anyTo<Ref<NSString>>(toAny(box(5)));
     FAIL() << "nothing was raised";
   } catch (const NSException& exception) {
-    EXPECT_EQ(exception.reason(), "argument of class NSNumber where NSString is expected");
+    EXPECT_EQ(exception.reason(), "value of class NSNumber where NSString is expected");
   }
   EXPECT_THROW(anyTo<std::string>(toAny(box(5))), NSException);
 }

@@ -96,7 +96,27 @@ TEST_F(IMPCall, SaysWhichTypesDoNotMatch) {
     FAIL() << "nothing was raised";
   } catch (const NSException& exception) {
     EXPECT_EQ(exception.name(), NSInvalidArgumentException);
-    EXPECT_EQ(exception.reason(), "argument of type double where i is expected");
+    EXPECT_EQ(exception.reason(),
+              "-[NSObject selector] got a value of type double where i is expected");
+  }
+}
+
+TEST_F(IMPCall, SaysWhatAResultIsThatCannotBeRead) {
+  try {
+    IMP(&twice).call<std::string>(self_, selector_, 2);
+    FAIL() << "nothing was raised";
+  } catch (const NSException& exception) {
+    EXPECT_EQ(exception.reason(),
+              "-[NSObject selector] answers a value of type int where text is expected");
+  }
+}
+
+TEST_F(IMPCall, SaysHowManyArgumentsTheMethodTakes) {
+  try {
+    IMP(&twice).call<int>(self_, selector_, 1, 2);
+    FAIL() << "nothing was raised";
+  } catch (const NSException& exception) {
+    EXPECT_EQ(exception.reason(), "-[NSObject selector] takes 1 argument, not 2");
   }
 }
 

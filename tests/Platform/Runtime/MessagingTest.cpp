@@ -163,6 +163,17 @@ TEST(Messaging, ForwardedExceptionsPassThrough) {
   EXPECT_THROW(send(std::make_shared<Forwarder>(), SEL("fail")), std::runtime_error);
 }
 
+TEST(Messaging, AForwardedResultOfAnotherTypeRaisesWithClassAndSelector) {
+  try {
+    send<std::string>(std::make_shared<Forwarder>(), SEL("count"));
+    FAIL() << "nothing was raised";
+  } catch (const NSException& exception) {
+    EXPECT_EQ(exception.name(), NSInvalidArgumentException);
+    EXPECT_EQ(exception.reason(),
+              "-[NSObject count] answers a value of type int where text is expected");
+  }
+}
+
 TEST(Messaging, AForwarderWithoutASignatureRaisesTheUnrecognizedSelector) {
   const auto forwarder = std::make_shared<Forwarder>();
   EXPECT_THROW(send(forwarder, SEL("fly")), NSException);
@@ -173,6 +184,13 @@ TEST(Messaging, SendsArgumentsThatAreKnownOnlyAtRunTime) {
   const std::any arguments[] = {toAny(3)};
   EXPECT_FALSE(sendWithArguments(*counter, SEL("setCount:"), arguments).has_value());
   EXPECT_EQ(anyTo<int>(sendWithArguments(*counter, SEL("count"), {})), 3);
+}
+
+TEST(Messaging, ForwardsArgumentsThatAreKnownOnlyAtRunTime) {
+  const auto forwarder = std::make_shared<Forwarder>();
+  const std::any arguments[] = {toAny(3)};
+  sendWithArguments(*forwarder, SEL("setCount:"), arguments);
+  EXPECT_EQ(send<int>(forwarder->counter_, SEL("count")), 3);
 }
 
 }  // namespace

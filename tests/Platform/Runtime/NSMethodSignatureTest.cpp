@@ -29,6 +29,8 @@ TEST(NSMethodSignature, ReadsTypeEncodings) {
       {"v@:^?i", "v @ : ^? i"},
       {"#@::#", "# @ : : #"},
       {"{Rect={Point=qq}{Size=qq}}@:{?=}", "{Rect={Point=qq}{Size=qq}} @ : {?=}"},
+      {"(Value=id)@:(?={Point=qq}(Other=i*))q", "(Value=id) @ : (?={Point=qq}(Other=i*)) q"},
+      {"v@:^(Value=id){Box=(Value=id)}", "v @ : ^(Value=id) {Box=(Value=id)}"},
       {"v@:^{Point=qq}i", "v @ : ^{Point=qq} i"},
       {"@\"NSString\"@:@\"NSArray<NSCopying>\"i", "@\"NSString\" @ : @\"NSArray<NSCopying>\" i"},
   };
@@ -38,8 +40,8 @@ TEST(NSMethodSignature, ReadsTypeEncodings) {
 
 TEST(NSMethodSignature, RefusesWhatIsNoneAsAbsent) {
   for (const std::string_view types :
-       {"", "v", "v@", "@:", "vi:", "v@@", "v@:x", "v@:{Point=qq", "v@:}", "v@:^", "v@:@\"NSString",
-        "v@:v", "v@:iv", "v @:", "v@:1"})
+       {"", "v", "v@", "@:", "vi:", "v@@", "v@:x", "v@:{Point=qq", "v@:}", "v@:(Value=id", "v@:)",
+        "v@:^", "v@:@\"NSString", "v@:v", "v@:iv", "v @:", "v@:1"})
     EXPECT_EQ(partsOf(types), "absent") << types;
 }
 

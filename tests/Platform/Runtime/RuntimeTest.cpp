@@ -140,6 +140,16 @@ TEST(Runtime, AddMethodRefusesNothing) {
   EXPECT_FALSE(class_addMethod(freshClass("RefusingToo"), SEL("x"), IMP()));
 }
 
+TEST(Runtime, AddExtensionLeavesOutWhatIsNoMethod) {
+  const Class extended = freshClass("ExtendedInPart");
+  class_addExtension(extended, {{SEL(), &four}, {SEL("corners"), IMP()}, {SEL("sides"), &four}});
+  const auto methods = class_copyMethodList(extended);
+  ASSERT_EQ(methods.size(), 1U);
+  EXPECT_EQ(method_getName(methods[0]), SEL("sides"));
+  EXPECT_FALSE(class_respondsToSelector(extended, SEL("corners")));
+  class_addExtension(nullptr, {{SEL("sides"), &four}});
+}
+
 TEST(Runtime, MethodsKeepTheirPlaceWhileOthersAreAdded) {
   const Class growing = freshClass("Growing");
   ASSERT_TRUE(class_addMethod(growing, SEL("sides"), &four));

@@ -7,6 +7,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cstdint>
+#include <filesystem>
 #include <string>
 
 #include "tests/Platform/Storage/TemporaryFolder.h"
@@ -52,6 +54,32 @@ TEST(FileContents, SaysWhyItCannotRead) {
     ASSERT_TRUE(error->underlyingError()) << row.path;
     EXPECT_EQ(error->underlyingError()->domain(), "NSPOSIXErrorDomain") << row.path;
     EXPECT_EQ(error->underlyingError()->code(), row.cause) << row.path;
+  }
+}
+
+TEST(FileContents, RefusesWhatIsTooLongForMemory) {
+  const TemporaryFolder folder;
+  writeBytes(folder.file("f"), "");
+  for (const std::uintmax_t size :
+       {std::uintmax_t{kLargestFileContents} + 1, std::uintmax_t{1} << 42U}) {
+    std::filesystem::resize_file(folder.file("f"), size);
+    Ref<NSError> error;
+    EXPECT_FALSE(contentsOfFile(folder.file("f"), &error)) << size;
+    ASSERT_TRUE(error) << size;
+    EXPECT_EQ(error->code(), 256) << size;
+    EXPECT_EQ(error->underlyingError()->code(), EFBIG) << size;
+  }
+}
+
+TEST(FileContents, DoesNotWaitForPipesAndDevices) {
+  const TemporaryFolder folder;
+  ASSERT_EQ(mkfifo(folder.file("pipe").c_str(), 0600), 0);
+  for (const std::string& path : {folder.file("pipe"), std::string("/dev/zero")}) {
+    Ref<NSError> error;
+    EXPECT_FALSE(contentsOfFile(path, &error)) << path;
+    ASSERT_TRUE(error) << path;
+    EXPECT_EQ(error->code(), 256) << path;
+    EXPECT_EQ(error->underlyingError()->code(), EOPNOTSUPP) << path;
   }
 }
 

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 #include <rapidcheck.h>
+#include <sys/resource.h>
 
 #include <cstddef>
 #include <limits>
@@ -178,14 +179,17 @@ TEST(NSPropertyListSerialization, FollowsNoEntityOfADocument) {
 }
 
 TEST(NSPropertyListSerialization, CollectionsNestNoDeeperThan256InXML) {
-  const auto nested = [](int depth) {
-    std::string body;
+  const auto nested = [](int depth, std::string_view leaf) {
+    std::string body(leaf);
     for (int i = 0; i < depth; ++i)
       body = "<array>" + body + "</array>";
     return xml(body);
   };
-  EXPECT_TRUE(read(nested(254)));
-  EXPECT_FALSE(read(nested(257)));
+  for (const int depth : {254, 255, 256}) {
+    for (const std::string_view leaf : {"", "<string>a</string>"})
+      EXPECT_TRUE(read(nested(depth, leaf))) << depth << leaf;
+  }
+  EXPECT_FALSE(read(nested(257, "")));
   std::string endless = "<plist>";
   for (int i = 0; i < 100'000; ++i)
     endless += "<array>";
@@ -206,6 +210,9 @@ TEST(NSPropertyListSerialization, ReadsEveryKindOfObjectInBinary) {
       {"\x12\xFF\xFF\xFF\xFF"s, box(4294967295L), "q"},
       {"\x13\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF"s, box(-1), "q"},
       {"\x14\0\0\0\0\0\0\0\0\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF"s, box(~0UL), "Q"},
+      {"\x14"s + std::string(16, '\xFF'), box(-1), "q"},
+      {"\x14"s + std::string(8, '\xFF') + "\x80\0\0\0\0\0\0\0"s,
+       box(std::numeric_limits<long>::min()), "q"},
       {"\x22\x3F\xC0\0\0"s, box(1.5), "d"},
       {"\x23\x3F\xF8\0\0\0\0\0\0"s, box(1.5), "d"},
       {"\x33\x3F\xF8\0\0\0\0\0\0"s, std::make_shared<NSDate>(1.5), ""},
@@ -216,6 +223,10 @@ TEST(NSPropertyListSerialization, ReadsEveryKindOfObjectInBinary) {
       {"\x5F\x10\x03"s + "abc", box("abc"), ""},
       {"\x62\xD8\x3D\xDE\x00"s, box("😀"), ""},
       {"\x62\0a\0\0"s, box("a\0"s), ""},
+      {"\x63\xD8\x3D\0a\xDE\0"s,
+       box("\xEF\xBF\xBD"
+           "a\xEF\xBF\xBD"),
+       ""},
       {"\x50"s, box(""), ""},
       {"\xA0"s, NSArray::array(), ""},
       {"\xD0"s, NSDictionary::dictionary(), ""},
@@ -236,6 +247,7 @@ TEST(NSPropertyListSerialization, RefusesBinaryObjectsThatAreMalformed) {
       {"\x0F"s},                         // padding
       {"\x15"s + std::string(32, 'a')},  // an integer of 32 bytes
       {"\x14"s + std::string(16, '\x01')},
+      {"\x14"s + std::string(8, '\xFF') + std::string(8, '\x7F')},  // below -2^63
       {"\x13\0"s},
       {"\x21\0\0"s},
       {"\x24"s + std::string(16, 'a')},
@@ -257,7 +269,6 @@ TEST(NSPropertyListSerialization, RefusesBinaryObjectsThatAreMalformed) {
       {"\xAF\x13\x40\0\0\0\0\0\0\0"s},
       {"\xD1\x01"s, "\x08"s},
       {"\xD1\x01\x01"s, "\x08"s},  // a key that is no text
-      {"\xD1\x01\x02"s, "\x52"s + "a\0"s, "\x08"s},
       {"\xD1\x01\x01"s, "\xD0"s},
   };
   for (const auto& row : rows)
@@ -290,12 +301,150 @@ TEST(NSPropertyListSerialization, ReadsOffsetsOfAnySize) {
   }
 }
 
+/// A number in so many bytes.
+std::string word(std::size_t value, std::size_t size) {
+  std::string bytes(size, '\0');
+  for (; size-- > 0; value >>= 8U)
+    bytes[size] = static_cast<char>(value & 0xFFU);
+  return bytes;
+}
+
+/// An array of so many objects, all of which stand at the same place; what they refer to is true.
+std::string overlapping(std::size_t count, const std::string& object) {
+  std::string bytes = "bplist00\xAF\x12" + word(count, 4);
+  for (std::size_t i = 1; i <= count; ++i)
+    bytes += word(i, 2);
+  const std::size_t place = bytes.size();
+  bytes += object;
+  const std::size_t truth = bytes.size();
+  bytes += '\x09';
+  const std::size_t table = bytes.size();
+  bytes += word(8, 3);
+  for (std::size_t i = 0; i < count; ++i)
+    bytes += word(place, 3);
+  bytes += word(truth, 3);
+  return bytes + std::string(6, '\0') + "\3\2" + word(count + 2, 8) + word(0, 8) + word(table, 8);
+}
+
+TEST(NSPropertyListSerialization, RefusesObjectsThatOverlapBeforeTheyTakeMemory) {
+  const auto data = [](std::size_t size) {
+    return "\x4F\x12" + word(size, 4) + std::string(size, 'x');
+  };
+  const auto array = [](std::size_t count, std::size_t reference) {
+    std::string bytes = "\xAF\x12" + word(count, 4);
+    for (std::size_t i = 0; i < count; ++i)
+      bytes += word(reference, 2);
+    return bytes;
+  };
+  EXPECT_TRUE(read(overlapping(100, data(1000))));
+  EXPECT_TRUE(read(overlapping(100, array(1000, 101))));
+  struct rusage first = {};
+  ASSERT_EQ(getrusage(RUSAGE_SELF, &first), 0);
+  expectRefused(overlapping(20'000, data(100'000)));
+  expectRefused(overlapping(20'000, array(50'000, 20'001)));
+  struct rusage last = {};
+  ASSERT_EQ(getrusage(RUSAGE_SELF, &last), 0);
+  EXPECT_LT(last.ru_maxrss - first.ru_maxrss, 500'000) << "KB; it would be 2 GB";
+}
+
 TEST(NSPropertyListSerialization, RefusesSharedCollectionsThatUnfoldWithoutEnd) {
   std::vector<std::string> objects;
   for (char i = 1; i <= 60; ++i)
     objects.push_back({'\xA2', i, i});
   objects.emplace_back("\x08");
   expectRefused(binary(objects));
+}
+
+TEST(NSPropertyListSerialization, WhatABinaryListHoldsOnceIsOneObject) {
+  const id row = NSDictionary::dictionaryWithEntries({{"key", box("text")}});
+  const id list = NSArray::arrayWithObjects({row, row, box("text"), box("text")});
+  const std::string bytes = written(list, NSPropertyListFormat::binary);
+  const auto again = std::static_pointer_cast<NSArray>(read(bytes));
+  EXPECT_EQ(bytes.find("text"), bytes.rfind("text"));
+  EXPECT_EQ(again->objectAtIndex(0), again->objectAtIndex(1));
+  EXPECT_EQ(again->objectAtIndex(2), again->objectAtIndex(3));
+  EXPECT_TRUE(objectsAreEqual(again, list));
+}
+
+TEST(NSPropertyListSerialization, EqualNumbersOfDifferentKindsStayApartInBinary) {
+  const id list = NSArray::arrayWithObjects({box(1), box(1.0), box(true), box("1"), box(1)});
+  const auto again =
+      std::static_pointer_cast<NSArray>(read(written(list, NSPropertyListFormat::binary)));
+  std::string codes;
+  for (const std::size_t i : {0U, 1U, 2U, 4U})
+    codes += static_cast<const NSNumber&>(*again->objectAtIndex(i)).objCType();
+  EXPECT_EQ(codes, "qdcq");
+}
+
+TEST(NSPropertyListSerialization, WritesSharedCollectionsOnceInBinary) {
+  id list = NSArray::array();
+  for (int i = 0; i < 15; ++i)
+    list = NSArray::arrayWithObjects({list, list});
+  const std::string bytes = written(list, NSPropertyListFormat::binary);
+  EXPECT_LT(bytes.size(), 150U);
+  EXPECT_TRUE(objectsAreEqual(read(bytes), list));
+  for (int i = 0; i < 40; ++i)
+    list = NSArray::arrayWithObjects({list, list});
+  Ref<NSError> error;
+  EXPECT_FALSE(Serialization::dataWithPropertyList(list, NSPropertyListFormat::binary, &error));
+  EXPECT_EQ(error->code(), 3851) << "it would not be read either";
+}
+
+TEST(NSPropertyListSerialization, EqualLeavesMayBeAsManyAsTheyLike) {
+  const id list = NSArray::arrayWithObjects(std::vector<id>(4'000'000, box(true)));
+  EXPECT_EQ(
+      std::static_pointer_cast<NSArray>(read(written(list, NSPropertyListFormat::binary)))->count(),
+      4'000'000U);
+}
+
+TEST(NSPropertyListSerialization, EqualTextsAreReadBackWhereTheyAreWritten) {
+  for (const std::size_t size : {9U, 12U, 40U, 41U, 100U}) {
+    const id list =
+        NSArray::arrayWithObjects(std::vector<id>(3'000'000, box(std::string(size, 'x'))));
+    const std::string bytes = written(list, NSPropertyListFormat::binary);
+    EXPECT_EQ(bytes.empty(), size > 40) << size;
+    if (bytes.empty()) continue;
+    EXPECT_TRUE(read(bytes)) << size;
+  }
+}
+
+TEST(NSPropertyListSerialization, XMLHasTheLimitOfTheBinaryForm) {
+  id list = NSArray::array();
+  for (int i = 0; i < 22; ++i)
+    list = NSArray::arrayWithObjects({list, list});
+  Ref<NSError> error;
+  EXPECT_FALSE(Serialization::dataWithPropertyList(list, NSPropertyListFormat::xml, &error));
+  EXPECT_EQ(error->code(), 3851);
+}
+
+TEST(NSPropertyListSerialization, LongTextsAndDataAreReadBackFromXML) {
+  const std::string bytes(10'100'000, 'x');
+  for (const id& value : {id(box(bytes)), id(NSData::dataWithBytes(bytes))})
+    EXPECT_TRUE(objectsAreEqual(read(written(value, NSPropertyListFormat::xml)), value));
+}
+
+TEST(NSPropertyListSerialization, PrintsNothingAboutBrokenXML) {
+  testing::internal::CaptureStderr();
+  expectRefused(xml("<string>" + std::string(11'000'000, 'x')));
+  expectRefused(xml("<a b=\"&c;\"/>"));
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
+TEST(NSPropertyListSerialization, EntitiesOfADocumentDoNotGrow) {
+  std::string type = "<!DOCTYPE plist [<!ENTITY a0 \"xxxxxxxxxx\">";
+  for (int i = 1; i < 30; ++i) {
+    const std::string inner = "&a" + std::to_string(i - 1) + ";";
+    type += "<!ENTITY a" + std::to_string(i) + " \"" + inner + inner + inner + "\">";
+  }
+  expectRefused(type + "]><plist version=\"&a29;\"><true/></plist>");
+}
+
+TEST(NSPropertyListSerialization, ReadsAndWritesAMillionElementsInBinary) {
+  std::vector<id> numbers;
+  for (long i = 0; i < 1'000'000; ++i)
+    numbers.push_back(box(i));
+  const id list = NSArray::arrayWithObjects(std::move(numbers));
+  EXPECT_TRUE(objectsAreEqual(read(written(list, NSPropertyListFormat::binary)), list));
 }
 
 TEST(NSPropertyListSerialization, CollectionsNestNoDeeperThan256InBinary) {
@@ -305,6 +454,16 @@ TEST(NSPropertyListSerialization, CollectionsNestNoDeeperThan256InBinary) {
   const std::string deepest = written(list, NSPropertyListFormat::binary);
   EXPECT_TRUE(objectsAreEqual(read(deepest), list));
   EXPECT_EQ(written(NSArray::arrayWithObjects({list}), NSPropertyListFormat::binary), "");
+}
+
+TEST(NSPropertyListSerialization, SharedCollectionsCountWithTheirDeepestPlace) {
+  id list = NSArray::array();
+  for (int i = 1; i < 200; ++i)
+    list = NSArray::arrayWithObjects({list});
+  id deep = list;
+  for (int i = 1; i < 100; ++i)
+    deep = NSArray::arrayWithObjects({deep});
+  EXPECT_EQ(written(NSArray::arrayWithObjects({list, deep}), NSPropertyListFormat::binary), "");
 }
 
 TEST(NSPropertyListSerialization, TellsWhichFormItRead) {
@@ -352,10 +511,10 @@ TEST(NSPropertyListSerialization, RefusesToWriteWhatTheFormHasNoRoomFor) {
       {NSArray::arrayWithObjects({NSNull::null()}), false, false},
       {cyclic, false, false},
       {box("\xFF"), false, false},
-      {box("a\0b"s), false, false},
+      {box("a\0b"s), false, true},
       {box("\x01"), false, true},
       {box("\xEF\xBF\xBF"), false, true},
-      {NSDictionary::dictionaryWithEntries({{"a\0b"s, box(1)}}), false, false},
+      {NSDictionary::dictionaryWithEntries({{"a\0b"s, box(1)}}), false, true},
       {NSDictionary::dictionaryWithEntries({{"\xFF", box(1)}}), false, false},
       {std::make_shared<NSDictionary>(NSDictionary::Entries{{box(1), box(1)}}), false, false},
       {std::make_shared<NSDate>(1e12), false, true},

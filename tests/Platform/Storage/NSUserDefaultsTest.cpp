@@ -52,6 +52,7 @@ TEST_F(NSUserDefaultsTest, KeepsEveryKindOfValueInItsFile) {
       {"text", box("é 😀")},
       {"empty", box("")},
       {"", box("under the empty key")},
+      {std::string("a\0b", 3), box(std::string("c\0d", 3))},
       {"number", box(-5)},
       {"fraction", box(0.1)},
       {"flag", box(true)},
@@ -141,8 +142,21 @@ TEST_F(NSUserDefaultsTest, SettingTakesADeepImmutableSnapshot) {
   }
 }
 
+TEST_F(NSUserDefaultsTest, WhatIsImmutableIsSharedAndNotCopied) {
+  const id row = NSDictionary::dictionaryWithEntries({{"k", box("v")}});
+  const auto mutableRow = NSMutableDictionary::dictionary();
+  const id shared = NSArray::arrayWithObjects({row, row});
+  const id partly = NSArray::arrayWithObjects({row, mutableRow});
+  defaults_->setObject(shared, "shared");
+  defaults_->setObject(partly, "partly");
+  EXPECT_EQ(defaults_->objectForKey("shared"), shared);
+  const auto copy = std::static_pointer_cast<NSArray>(defaults_->objectForKey("partly"));
+  EXPECT_NE(copy, partly);
+  EXPECT_EQ(copy->objectAtIndex(0), row);
+  EXPECT_NE(copy->objectAtIndex(1), mutableRow);
+}
+
 TEST_F(NSUserDefaultsTest, RefusesWhatNoPropertyListHolds) {
-  using namespace std::string_literals;
   const auto cyclic = NSMutableArray::array();
   cyclic->addObject(cyclic);
   const std::vector<id> values = {
@@ -151,9 +165,8 @@ TEST_F(NSUserDefaultsTest, RefusesWhatNoPropertyListHolds) {
       NSArray::arrayWithObjects({NSNull::null()}),
       NSDictionary::dictionaryWithEntries({{"a", NSNull::null()}}),
       std::make_shared<NSDictionary>(NSDictionary::Entries{{box(1), box(1)}}),
-      NSDictionary::dictionaryWithEntries({{"a\0"s, box(1)}}),
+      NSDictionary::dictionaryWithEntries({{"\xFF", box(1)}}),
       box("\xFF"),
-      box("a\0b"s),
       cyclic,
   };
   for (const id& value : values) {
@@ -164,8 +177,7 @@ TEST_F(NSUserDefaultsTest, RefusesWhatNoPropertyListHolds) {
               }),
               NSInvalidArgumentException);
   }
-  for (const std::string& key : {"a\0"s, "\xFF"s})
-    EXPECT_EQ(nameOfException([&] { defaults_->setInteger(1, key); }), NSInvalidArgumentException);
+  EXPECT_EQ(nameOfException([&] { defaults_->setInteger(1, "\xFF"); }), NSInvalidArgumentException);
   EXPECT_FALSE(defaults_->objectForKey("k"));
   cyclic->removeAllObjects();
 }
@@ -335,6 +347,59 @@ TEST_F(NSUserDefaultsTest, ADamagedFileIsSetAsideWithOneLine) {
     EXPECT_EQ(bytesOf(aside), row.bytes);
     EXPECT_FALSE(std::filesystem::exists(path_));
   }
+}
+
+TEST_F(NSUserDefaultsTest, DamageThatCannotBeSetAsideFailsWithTheErrorOfTheLock) {
+  std::filesystem::create_directories(path_ + ".lock");  // a folder in its place
+  for (const std::string_view bytes : {"(a)", "{"}) {
+    writeBytes(path_, bytes);
+    const auto defaults = open();
+    testing::internal::CaptureStderr();
+    EXPECT_FALSE(defaults->synchronize()) << bytes;
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("cannot be set aside"));
+    const auto error = defaults->synchronizationError();
+    ASSERT_TRUE(error && error->underlyingError()) << bytes;
+    EXPECT_EQ(error->code(), 512) << bytes;
+    EXPECT_EQ(error->underlyingError()->code(), EISDIR) << bytes;
+    EXPECT_EQ(bytesOf(path_), bytes);
+  }
+}
+
+TEST_F(NSUserDefaultsTest, APipeInPlaceOfTheFileIsNotWaitedFor) {
+  std::filesystem::create_directories(folder_.file("till"));
+  ASSERT_EQ(mkfifo(path_.c_str(), 0600), 0);
+  EXPECT_FALSE(defaults_->synchronize());
+  EXPECT_EQ(defaults_->synchronizationError()->code(), 256);
+}
+
+TEST_F(NSUserDefaultsTest, RefusesWhatUnfoldsTooFarAndGoesOnSaving) {
+  id tree = NSArray::array();
+  for (int i = 0; i < 100; ++i)
+    tree = NSArray::arrayWithObjects({tree, tree});
+  const id texts = NSArray::arrayWithObjects(std::vector<id>(3'000'000, box(std::string(50, 'x'))));
+  for (const id& value : {tree, texts}) {
+    EXPECT_EQ(nameOfException([&] { defaults_->setObject(value, "k"); }),
+              NSInvalidArgumentException);
+  }
+  defaults_->setInteger(1, "other");
+  EXPECT_TRUE(defaults_->synchronize());
+  EXPECT_EQ(open()->integerForKey("other"), 1);
+}
+
+TEST_F(NSUserDefaultsTest, SharedCollectionsCountWithTheirDeepestPlace) {
+  const auto nested = [](id list, int depth) {
+    for (int i = 0; i < depth; ++i)
+      list = NSArray::arrayWithObjects({list});
+    return list;
+  };
+  const id inner = nested(NSArray::array(), 99);  // 100 deep; the file's root is one more
+  const auto sharing = [&](int depth) {
+    return NSArray::arrayWithObjects({inner, nested(inner, depth)});
+  };
+  EXPECT_EQ(nameOfException([&] { defaults_->setObject(sharing(154), "k"); }), "none");
+  EXPECT_TRUE(defaults_->synchronize());
+  EXPECT_EQ(nameOfException([&] { defaults_->setObject(sharing(155), "k"); }),
+            NSInvalidArgumentException);
 }
 
 TEST_F(NSUserDefaultsTest, WhatIsKnownSurvivesDamageToTheFile) {

@@ -30,9 +30,7 @@ std::string without(std::string text, bool (*isExcluded)(unsigned char)) {
 /// Text that the form has room for.
 rc::Gen<std::string> textFor(NSPropertyListFormat format) {
   return rc::gen::map(anyText(), [format](std::string text) {
-    if (format == NSPropertyListFormat::binary) {
-      return without(std::move(text), [](unsigned char c) { return c == 0; });
-    }
+    if (format == NSPropertyListFormat::binary) return text;
     for (const char* excluded : {"\xEF\xBF\xBE", "\xEF\xBF\xBF"}) {
       for (std::size_t at = 0; (at = text.find(excluded)) != std::string::npos;)
         text.erase(at, 3);
@@ -67,11 +65,8 @@ rc::Gen<id> treeFor(NSPropertyListFormat format, int depth) {
   if (depth == 0) return leafFor(format);
   const auto elements = rc::gen::container<std::vector<id>>(
       rc::gen::lazy([=] { return treeFor(format, depth - 1); }));
-  const auto key = rc::gen::map(textFor(format), [](std::string text) {
-    return without(std::move(text), [](unsigned char c) { return c == 0; });
-  });
   const auto entries = rc::gen::container<std::vector<std::pair<std::string, id>>>(
-      rc::gen::pair(key, rc::gen::lazy([=] { return treeFor(format, depth - 1); })));
+      rc::gen::pair(textFor(format), rc::gen::lazy([=] { return treeFor(format, depth - 1); })));
   // Else trees grow with the power of their depth.
   return rc::gen::oneOf(leafFor(format),
                         rc::gen::map(rc::gen::scale(0.1, elements),

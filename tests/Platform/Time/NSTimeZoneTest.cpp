@@ -3,7 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <string>
+#include <utility>
 
 #include "Platform/Runtime/NSCopying.h"
 
@@ -26,6 +28,24 @@ TEST(NSTimeZone, KnowsNamesAndDistances) {
 TEST(NSTimeZone, HasNoZoneOfAnUnknownName) {
   for (const char* name : {"", "Nowhere/Town", "Europe", "\xFF"})
     EXPECT_EQ(NSTimeZone::timeZoneWithName(name), nullptr) << name;
+}
+
+TEST(NSTimeZone, IsNamedByItsDistance) {
+  const std::pair<long, const char*> rows[] = {{0, "GMT"},
+                                               {19800, "GMT+05:30"},
+                                               {-12600, "GMT-03:30"},
+                                               {1172, "GMT+00:19:32"},
+                                               {-1, "GMT-00:00:01"},
+                                               {86399, "GMT+23:59:59"},
+                                               {-86399, "GMT-23:59:59"}};
+  for (const auto& [seconds, name] : rows) {
+    const auto zone = NSTimeZone::timeZoneForSecondsFromGMT(seconds);
+    ASSERT_NE(zone, nullptr) << seconds;
+    EXPECT_EQ(zone->name(), name);
+  }
+  for (const long seconds :
+       {86400L, -86400L, std::numeric_limits<long>::max(), std::numeric_limits<long>::min()})
+    EXPECT_EQ(NSTimeZone::timeZoneForSecondsFromGMT(seconds), nullptr) << seconds;
 }
 
 TEST(NSTimeZone, IsEqualByItsName) {

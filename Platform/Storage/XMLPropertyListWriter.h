@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <string>
+
+#include "Platform/Runtime/NSObject.h"
+
+namespace rvf {
+
+/// Writes a property list in XML. Empty, with `problem` saying why, if an object of another class
+/// or a value that XML has no room for is among the objects, or collections stand more than
+/// `kDeepestPropertyList` deep in one another.
+std::string writtenXMLPropertyList(const id& root, std::string& problem);
+
+}  // namespace rvf
