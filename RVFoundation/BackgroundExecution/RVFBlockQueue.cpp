@@ -3,6 +3,7 @@
 
 #include <utility>
 
+#include "Platform/Observation/KeyValueObserving.h"
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
 #include "Platform/Runtime/NSAutoreleasePool.h"
@@ -40,6 +41,10 @@ Class RVFBlockQueue::isa() const {
   return classObject();
 }
 
+void RVFBlockQueue::setCompletion(Completion completion) {
+  announceChange(*this, "completion", [&] { completion_ = std::move(completion); });
+}
+
 void RVFBlockQueue::addBlock(Step step) {
   blocks_.push_back(std::move(step));
 }
@@ -50,6 +55,7 @@ void RVFBlockQueue::executeQueue() {
 }
 
 void RVFBlockQueue::executeQueueUsingCompletion(Completion completion) {
+  const auto self = refTo(this);
   setCompletion(std::move(completion));
   executeQueue();
 }
@@ -77,10 +83,15 @@ void RVFBlockQueue::endRun(const Ref<NSError>& error) {
     autorelease(std::move(selfReferences_.back()));
     selfReferences_.pop_back();
   });
-  if (const Completion completion = completion_) {
-    const ScopeExit cleared([this] { completion_ = nullptr; });
+  const Completion completion = completion_;
+  if (!completion) return;
+  try {
     completion(error);
+  } catch (...) {
+    completion_ = nullptr;  // untold: the exception is what there is to say
+    throw;
   }
+  setCompletion(nullptr);
 }
 
 }  // namespace rvf

@@ -45,7 +45,7 @@ class RVF_EXPORT RVFBlockQueue final : public NSObject {
   /// What is called once when a run ends, and cleared right after the call: a completion that a
   /// completion sets is lost.
   const Completion& completion() const noexcept { return completion_; }
-  void setCompletion(Completion completion) { completion_ = std::move(completion); }
+  void setCompletion(Completion completion);
 
   /// Starts with the first waiting step. After an error the steps behind the failed one are still
   /// waiting, and this resumes with them. With none waiting, the completion is called within the

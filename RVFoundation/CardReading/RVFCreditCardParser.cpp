@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "RVFoundation/CardReading/RVFCreditCardParser.h"
 
+#include "Platform/Observation/KeyValueObserving.h"
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
 #include "Platform/Text/Text.h"
@@ -42,6 +43,9 @@ Class RVFCreditCardParser::classObject() {
           .property("cardType", "Ti,R,N")
           .method<&RVFCreditCardParser::parseTrack2>("parseTrack2:")
           .method<&RVFCreditCardParser::cardType>("cardType")
+          .method("keyPathsForValuesAffectingCardType",
+                  dependentKeyImplementation<
+                      &RVFCreditCardParser::keyPathsForValuesAffectingCardType>())
           .registered();
   return kClass;
 }
@@ -52,6 +56,10 @@ Class RVFCreditCardParser::isa() const {
 
 bool RVFCreditCardParser::parseTrack2(std::string_view) {
   return true;
+}
+
+std::set<std::string> RVFCreditCardParser::keyPathsForValuesAffectingCardType() {
+  return {"accountNumber"};
 }
 
 std::int32_t RVFCreditCardParser::cardType() const {

@@ -4,6 +4,8 @@
 #include <concepts>
 #include <cstdint>
 #include <optional>
+#include <set>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -51,6 +53,7 @@ class RVF_EXPORT RVFCreditCardParser : public RVFMagneticCardParser {
   /// The card's network, a code of `RVFCardType`, by length and first digits of `accountNumber` as
   /// it is now. Check digits are not tested.
   std::int32_t cardType() const;
+  static std::set<std::string> keyPathsForValuesAffectingCardType();
 };
 
 }  // namespace rvf

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "RVFoundation/CardReading/RVFEncryptedTrackData.h"
 
+#include <utility>
+
+#include "Platform/Observation/KeyValueObserving.h"
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
 #include "RVFoundation/CardReading/SecretAccessors.h"
@@ -42,19 +45,23 @@ Class RVFEncryptedTrackData::isa() const {
 }
 
 void RVFEncryptedTrackData::setTrackData(std::optional<std::string_view> trackData) {
-  trackData_ = SecretText(trackData);
+  SecretText text(trackData);  // before an observer can change what is viewed
+  announceChange(*this, "trackData", [&] { trackData_ = std::move(text); });
 }
 
 void RVFEncryptedTrackData::setDataBlock(std::optional<std::string_view> dataBlock) {
-  dataBlock_ = SecretText(dataBlock);
+  SecretText text(dataBlock);  // before an observer can change what is viewed
+  announceChange(*this, "dataBlock", [&] { dataBlock_ = std::move(text); });
 }
 
 void RVFEncryptedTrackData::setStatusBlock(std::optional<std::string_view> statusBlock) {
-  statusBlock_ = SecretText(statusBlock);
+  SecretText text(statusBlock);  // before an observer can change what is viewed
+  announceChange(*this, "statusBlock", [&] { statusBlock_ = std::move(text); });
 }
 
 void RVFEncryptedTrackData::setKeySerial(std::optional<std::string_view> keySerial) {
-  keySerial_ = SecretText(keySerial);
+  SecretText text(keySerial);  // before an observer can change what is viewed
+  announceChange(*this, "keySerial", [&] { keySerial_ = std::move(text); });
 }
 
 }  // namespace rvf

@@ -4,6 +4,7 @@
 #include <array>
 #include <utility>
 
+#include "Platform/Observation/KeyValueObserving.h"
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
 #include "Platform/Runtime/Messaging.h"
@@ -114,6 +115,9 @@ Class RVFMagneticCardParser::classObject() {
           .method<&Parser::encryptedTrackData>("encryptedTrackData")
           .method<&Parser::setEncryptedTrackData>("setEncryptedTrackData:")
           .method<&Parser::displayCardholderName>("displayCardholderName")
+          .method("keyPathsForValuesAffectingDisplayCardholderName",
+                  dependentKeyImplementation<
+                      &Parser::keyPathsForValuesAffectingDisplayCardholderName>())
           .method<&Parser::parseSwipeRequiringName>("parseSwipeRequiringName:")
           .method<&Parser::parseTrack1>("parseTrack1:requiringValidName:")
           .method<&Parser::parseTrack2>("parseTrack2:")
@@ -127,32 +131,40 @@ Class RVFMagneticCardParser::isa() const {
 }
 
 void RVFMagneticCardParser::setAccountNumber(std::optional<std::string_view> accountNumber) {
-  accountNumber_ = SecretText(accountNumber);
+  SecretText text(accountNumber);  // before an observer can change what is viewed
+  announceChange(*this, "accountNumber", [&] { accountNumber_ = std::move(text); });
 }
 
 void RVFMagneticCardParser::setCardholderName(std::optional<std::string_view> cardholderName) {
-  cardholderName_ = SecretText(cardholderName);
+  SecretText text(cardholderName);  // before an observer can change what is viewed
+  announceChange(*this, "cardholderName", [&] { cardholderName_ = std::move(text); });
 }
 
 void RVFMagneticCardParser::setExpirationYear(std::int32_t year) {
-  expirationYear_ = year;
+  announceChange(*this, "expirationYear", [&] { expirationYear_ = year; });
 }
 
 void RVFMagneticCardParser::setExpirationMonth(std::int32_t month) {
-  expirationMonth_ = month;
+  announceChange(*this, "expirationMonth", [&] { expirationMonth_ = month; });
 }
 
 void RVFMagneticCardParser::setTrackInfo(std::uint64_t trackInfo) {
-  trackInfo_ = trackInfo;
+  announceChange(*this, "trackInfo", [&] { trackInfo_ = trackInfo; });
 }
 
 void RVFMagneticCardParser::setSwipeData(std::optional<std::string_view> swipeData) {
-  SecretText former = std::exchange(swipeData_, SecretText(swipeData));
-  if (runningParses_ > 0) replacedSwipes_.push_back(std::move(former));
+  announceChange(*this, "swipeData", [&] {
+    SecretText former = std::exchange(swipeData_, SecretText(swipeData));
+    if (runningParses_ > 0) replacedSwipes_.push_back(std::move(former));
+  });
 }
 
 void RVFMagneticCardParser::setEncryptedTrackData(Ref<RVFEncryptedTrackData> data) {
-  encryptedTrackData_ = std::move(data);
+  announceChange(*this, "encryptedTrackData", [&] { encryptedTrackData_ = std::move(data); });
+}
+
+std::set<std::string> RVFMagneticCardParser::keyPathsForValuesAffectingDisplayCardholderName() {
+  return {"cardholderName"};
 }
 
 bool RVFMagneticCardParser::parseNewSwipe(std::optional<std::string_view> trackData,
@@ -163,6 +175,7 @@ bool RVFMagneticCardParser::parseNewSwipe(std::optional<std::string_view> trackD
 }
 
 bool RVFMagneticCardParser::parseSwipeRequiringName(bool isNameRequired) {
+  const id alive = weak_from_this().lock();  // an observer of a field may drop the last reference
   const auto swipe = swipeData();
   if (!swipe) return true;
   const RunningParse running(*this);

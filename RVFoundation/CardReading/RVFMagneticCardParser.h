@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -105,6 +106,7 @@ class RVF_EXPORT RVFMagneticCardParser : public NSObject {
   /// The name in reading order: DOE/JOHN is shown as JOHN DOE. White space around either part is
   /// left out. Empty for an absent name. The text is the caller's.
   std::string displayCardholderName() const;
+  static std::set<std::string> keyPathsForValuesAffectingDisplayCardholderName();
 
  private:
   class RunningParse;

@@ -3,6 +3,7 @@
 
 #include <utility>
 
+#include "Platform/Observation/KeyValueObserving.h"
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
 #include "Platform/Runtime/NSAutoreleasePool.h"
@@ -50,7 +51,7 @@ Class RVFRecoveryAttempterBlock::isa() const {
 }
 
 void RVFRecoveryAttempterBlock::setHandler(Handler handler) {
-  handler_ = std::move(handler);
+  announceChange(*this, "handler", [&] { handler_ = std::move(handler); });
 }
 
 bool RVFRecoveryAttempterBlock::attemptRecoveryFromError(const Ref<NSError>& error,

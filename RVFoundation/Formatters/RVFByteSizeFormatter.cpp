@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "Platform/Locale/NSBundle.h"
+#include "Platform/Observation/KeyValueObserving.h"
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
 #include "Platform/Text/Format.h"
@@ -62,6 +63,10 @@ Class RVFByteSizeFormatter::classObject() {
 
 Class RVFByteSizeFormatter::isa() const {
   return classObject();
+}
+
+void RVFByteSizeFormatter::setIncludeUnits(bool includeUnits) {
+  announceChange(*this, "includeUnits", [&] { includeUnits_ = includeUnits; });
 }
 
 std::string RVFByteSizeFormatter::stringFromByteCountForClass(Class receiver, std::uint64_t count,

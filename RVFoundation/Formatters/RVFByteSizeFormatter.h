@@ -26,7 +26,7 @@ class RVF_EXPORT RVFByteSizeFormatter : public NSFormatter {
 
   /// Whether the unit is written behind the number; not so by default.
   bool includeUnits() const noexcept { return includeUnits_; }
-  void setIncludeUnits(bool includeUnits) noexcept { includeUnits_ = includeUnits; }
+  void setIncludeUnits(bool includeUnits);
 
   /// A number counts by its unsigned 64-bit reading; absent for anything else.
   std::optional<std::string> stringForObjectValue(const id& value) override;

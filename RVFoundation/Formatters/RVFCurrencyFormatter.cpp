@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "Platform/Numbers/NSDecimalNumber.h"
+#include "Platform/Observation/KeyValueObserving.h"
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
 #include "RVFoundation/Formatters/RoundedReading.h"
@@ -38,7 +39,7 @@ Class RVFCurrencyFormatter::isa() const {
 }
 
 void RVFCurrencyFormatter::setLocale(Ref<NSLocale> locale) {
-  locale_ = std::move(locale);
+  announceChange(*this, "locale", [&] { locale_ = std::move(locale); });
 }
 
 const Ref<NSNumberFormatter>& RVFCurrencyFormatter::formatter() {

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "Platform/Numbers/NSDecimalNumber.h"
+#include "Platform/Observation/KeyValueObserving.h"
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
 #include "RVFoundation/Formatters/NSNumberFormatter-QMExtension.h"
@@ -36,6 +37,9 @@ Class RVFQuantityFormatter::classObject() {
           .method<&RVFQuantityFormatter::setQuantityFormatter>("setQuantityFormatter:")
           .method<&RVFQuantityFormatter::locale>("locale")
           .method<&RVFQuantityFormatter::setLocale>("setLocale:")
+          .method(
+              "keyPathsForValuesAffectingLocale",
+              dependentKeyImplementation<&RVFQuantityFormatter::keyPathsForValuesAffectingLocale>())
           .registered();
   return kClass;
 }
@@ -45,15 +49,21 @@ Class RVFQuantityFormatter::isa() const {
 }
 
 void RVFQuantityFormatter::setQuantityFormatter(Ref<NSNumberFormatter> formatter) {
-  quantityFormatter_ = std::move(formatter);
+  announceChange(*this, "quantityFormatter", [&] { quantityFormatter_ = std::move(formatter); });
 }
 
 Ref<NSLocale> RVFQuantityFormatter::locale() const {
   return quantityFormatter_ ? quantityFormatter_->locale() : nullptr;
 }
 
+std::set<std::string> RVFQuantityFormatter::keyPathsForValuesAffectingLocale() {
+  return {"quantityFormatter.locale"};
+}
+
 void RVFQuantityFormatter::setLocale(Ref<NSLocale> locale) {
-  if (quantityFormatter_) quantityFormatter_->setLocale(std::move(locale));
+  // The inner formatter's announcement is one of this locale, too.
+  if (quantityFormatter_) return quantityFormatter_->setLocale(std::move(locale));
+  announceChange(*this, "locale", [] {});
 }
 
 std::optional<std::string> RVFQuantityFormatter::stringForObjectValue(const id& value) {

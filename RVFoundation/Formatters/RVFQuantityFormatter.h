@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -32,6 +33,7 @@ class RVF_EXPORT RVFQuantityFormatter : public NSFormatter {
   /// The inner formatter's.
   Ref<NSLocale> locale() const;
   void setLocale(Ref<NSLocale> locale);
+  static std::set<std::string> keyPathsForValuesAffectingLocale();
 
   /// An absent value is written as zero; absent for what is no number.
   std::optional<std::string> stringForObjectValue(const id& value) override;

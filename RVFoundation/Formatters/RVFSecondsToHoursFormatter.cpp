@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "Platform/Numbers/NSDecimalNumber.h"
+#include "Platform/Observation/KeyValueObserving.h"
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
 #include "Platform/Values/NSNumber.h"
@@ -37,8 +38,10 @@ Ref<NSFormatter> RVFSecondsToHoursFormatter::decimalFormatter() const {
 }
 
 void RVFSecondsToHoursFormatter::setDecimalFormatter(Ref<NSFormatter> formatter) {
-  const std::lock_guard lock(mutex_);
-  decimalFormatter_.swap(formatter);  // the old one goes when the lock is open again
+  announceChange(*this, "decimalFormatter", [&] {
+    const std::lock_guard lock(mutex_);
+    decimalFormatter_.swap(formatter);  // the old one goes when the lock is open again
+  });
 }
 
 std::optional<std::string> RVFSecondsToHoursFormatter::stringForObjectValue(const id& value) {

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "Platform/Locale/NSBundle.h"
+#include "Platform/Observation/KeyValueObserving.h"
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
 #include "Platform/Text/Format.h"
@@ -60,7 +61,7 @@ Class RVFTimeFormatter::isa() const {
 }
 
 void RVFTimeFormatter::setLocale(Ref<NSLocale> locale) {
-  locale_ = std::move(locale);
+  announceChange(*this, "locale", [&] { locale_ = std::move(locale); });
 }
 
 const Ref<NSNumberFormatter>& RVFTimeFormatter::formatter() {

@@ -4,11 +4,11 @@
 #include <optional>
 #include <utility>
 
+#include "Platform/Observation/KeyValueObserving.h"
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
 #include "Platform/Runtime/Messaging.h"
 #include "Platform/Runtime/NSAutoreleasePool.h"
-#include "Platform/Values/NSNumber.h"
 
 namespace rvf {
 namespace {
@@ -40,7 +40,7 @@ Class RVFTestingUserDefaults::isa() const {
 }
 
 void RVFTestingUserDefaults::setData(Ref<NSMutableDictionary> data) {
-  data_.swap(data);
+  announceChange(*this, "data", [&] { data_.swap(data); });
 }
 
 id RVFTestingUserDefaults::objectForKey(std::string_view key) {
@@ -94,22 +94,6 @@ double RVFTestingUserDefaults::doubleForKey(std::string_view key) {
 
 bool RVFTestingUserDefaults::boolForKey(std::string_view key) {
   return send<bool>(objectForKey(key), SEL("boolValue"));
-}
-
-void RVFTestingUserDefaults::setInteger(long value, std::string_view key) {
-  setObject(box(value), key);
-}
-
-void RVFTestingUserDefaults::setFloat(float value, std::string_view key) {
-  setObject(box(value), key);
-}
-
-void RVFTestingUserDefaults::setDouble(double value, std::string_view key) {
-  setObject(box(value), key);
-}
-
-void RVFTestingUserDefaults::setBool(bool value, std::string_view key) {
-  setObject(box(value), key);
 }
 
 void RVFTestingUserDefaults::setURL(const id& url, std::string_view key) {

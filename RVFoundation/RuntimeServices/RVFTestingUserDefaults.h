@@ -48,10 +48,6 @@ class RVF_EXPORT RVFTestingUserDefaults final : public NSUserDefaults {
   double doubleForKey(std::string_view key) override;
   bool boolForKey(std::string_view key) override;
 
-  void setInteger(long value, std::string_view key) override;
-  void setFloat(float value, std::string_view key) override;
-  void setDouble(double value, std::string_view key) override;
-  void setBool(bool value, std::string_view key) override;
   /// Stores the very object.
   void setURL(const id& url, std::string_view key) override;
 

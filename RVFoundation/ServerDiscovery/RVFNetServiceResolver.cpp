@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "Platform/Network/NSNetServicesError.h"
+#include "Platform/Observation/KeyValueObserving.h"
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
 #include "Platform/Runtime/ScopeExit.h"
@@ -52,11 +53,11 @@ Class RVFNetServiceResolver::isa() const {
 }
 
 void RVFNetServiceResolver::setPrivateCompletion(RVFNetServiceResolution completion) {
-  privateCompletion_ = std::move(completion);
+  announceChange(*this, "privateCompletion", [&] { privateCompletion_ = std::move(completion); });
 }
 
 void RVFNetServiceResolver::setPrivateService(Ref<NSNetService> service) {
-  privateService_ = std::move(service);
+  announceChange(*this, "privateService", [&] { privateService_ = std::move(service); });
 }
 
 void RVFNetServiceResolver::netServiceDidResolveAddress(const Ref<NSNetService>& service) {

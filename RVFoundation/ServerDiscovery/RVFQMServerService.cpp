@@ -5,10 +5,12 @@
 #include <utility>
 
 #include "Platform/Locale/NSBundle.h"
+#include "Platform/Observation/KeyValueObserving.h"
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
 #include "Platform/Runtime/NSException.h"
 #include "Platform/Text/Format.h"
+#include "Platform/Values/NSArray.h"
 #include "RVFoundation/ServerDiscovery/RVFQMServerServiceBrowser.h"
 
 namespace rvf {
@@ -28,6 +30,11 @@ RVFQMServerService::DomainSuffixes& domainSuffixes() {
   return suffixes;
 }
 
+/// The list as an object, for messages and key-value coding.
+Ref<NSArray> netServicesOf(NSObject& self, SEL) {
+  return NSArray::arrayWithObjects(static_cast<RVFQMServerService&>(self).netServices());
+}
+
 }  // namespace
 
 Class RVFQMServerService::classObject() {
@@ -40,11 +47,12 @@ Class RVFQMServerService::classObject() {
           .property("serviceChangedHandler", "T@?,C,N,V_serviceChangedHandler")
           .property("isUsingBackToMyMac", "Tc,R,N")
           .property("name", "T@\"NSString\",R,N")
+          .ivar("_netServices", "@")
           .ivar<&RVFQMServerService::mainService_>("_mainService")
           .ivar<&RVFQMServerService::serviceChangedHandler_>("_serviceChangedHandler")
           .ivar<&RVFQMServerService::isDemo_>("_isDemo")
           .ivar<&RVFQMServerService::isLoaded_>("_isLoaded")
-          .method<&RVFQMServerService::netServices>("netServices")
+          .method("netServices", IMP(&netServicesOf))
           .method<&RVFQMServerService::serviceChangedHandler>("serviceChangedHandler")
           .method<&RVFQMServerService::setServiceChangedHandler>("setServiceChangedHandler:")
           .method<&RVFQMServerService::netServiceDidUpdateTXTRecordData>(
@@ -57,6 +65,11 @@ Class RVFQMServerService::classObject() {
           .method<&RVFQMServerService::setIsLoaded>("setIsLoaded:")
           .method<&RVFQMServerService::isUsingBackToMyMac>("isUsingBackToMyMac")
           .method<&RVFQMServerService::name>("name")
+          .method("keyPathsForValuesAffectingIsUsingBackToMyMac",
+                  dependentKeyImplementation<
+                      &RVFQMServerService::keyPathsForValuesAffectingIsUsingBackToMyMac>())
+          .method("keyPathsForValuesAffectingName",
+                  dependentKeyImplementation<&RVFQMServerService::keyPathsForValuesAffectingName>())
           .method<&RVFQMServerService::addNetService>("addNetService:")
           .method<&RVFQMServerService::removeNetService>("removeNetService:")
           .method<&RVFQMServerService::stop>("stop")
@@ -69,19 +82,20 @@ Class RVFQMServerService::isa() const {
 }
 
 void RVFQMServerService::setMainService(Ref<NSNetService> service) {
-  mainService_ = std::move(service);
+  announceChange(*this, "mainService", [&] { mainService_ = std::move(service); });
 }
 
 void RVFQMServerService::setIsDemo(bool isDemo) {
-  isDemo_ = isDemo;
+  announceChange(*this, "isDemo", [&] { isDemo_ = isDemo; });
 }
 
 void RVFQMServerService::setIsLoaded(bool isLoaded) {
-  isLoaded_ = isLoaded;
+  announceChange(*this, "isLoaded", [&] { isLoaded_ = isLoaded; });
 }
 
 void RVFQMServerService::setServiceChangedHandler(ChangedHandler handler) {
-  serviceChangedHandler_ = std::move(handler);
+  announceChange(*this, "serviceChangedHandler",
+                 [&] { serviceChangedHandler_ = std::move(handler); });
 }
 
 const RVFQMServerService::DomainSuffixes& RVFQMServerService::wideAreaDomainSuffixes() {
@@ -112,18 +126,23 @@ std::set<std::string> RVFQMServerService::keyPathsForValuesAffectingName() {
   return {"mainService"};
 }
 
+std::set<std::string> RVFQMServerService::keyPathsForValuesAffectingIsUsingBackToMyMac() {
+  return {"mainService"};
+}
+
 void RVFQMServerService::addNetService(const Ref<NSNetService>& service) {
   if (!service) NSException::raise(NSInvalidArgumentException, "the added registration is absent");
   if (std::ranges::any_of(
           netServices_, [&service](const auto& held) { return objectsAreEqual(held, service); })) {
     return;
   }
-  service->setDelegate(refTo(this));
-  service->startMonitoring();
-  netServices_.push_back(service);
-  if (netServices_.size() == 1 ||
-      (isLocal(*service) && (!mainService_ || !isLocal(*mainService_)))) {
-    setMainService(service);
+  const auto self = refTo(this);
+  const Ref<NSNetService> added = service;
+  added->setDelegate(self);
+  added->startMonitoring();
+  announceChange(*this, "netServices", [&] { netServices_.push_back(added); });
+  if (netServices_.size() == 1 || (isLocal(*added) && (!mainService_ || !isLocal(*mainService_)))) {
+    setMainService(added);
   }
 }
 
@@ -131,8 +150,10 @@ void RVFQMServerService::removeNetService(const Ref<NSNetService>& service) {
   const auto self = refTo(this);
   const Ref<NSNetService> removed = service;  // may be a reference into the list
   if (removed) stopWatching(*removed);
-  std::erase_if(netServices_,
-                [&removed](const auto& held) { return objectsAreEqual(held, removed); });
+  const auto isRemoved = [&removed](const auto& held) { return objectsAreEqual(held, removed); };
+  if (std::ranges::any_of(netServices_, isRemoved)) {
+    announceChange(*this, "netServices", [&] { std::erase_if(netServices_, isRemoved); });
+  }
   if (mainService_ && objectsAreEqual(mainService_, removed)) chooseMainService();
   if (!netServices_.empty()) callChangedHandler();
 }

@@ -50,6 +50,7 @@ class RVF_EXPORT RVFQMServerService final : public NSObject, public NSNetService
   std::optional<std::string> name() const;
   /// What `name` depends on: exactly "mainService".
   static std::set<std::string> keyPathsForValuesAffectingName();
+  static std::set<std::string> keyPathsForValuesAffectingIsUsingBackToMyMac();
 
   /// The domain endings that make a registration a wide-area one. Set them before browsing, once
   /// for the process.

@@ -3,10 +3,12 @@
 
 #include <utility>
 
+#include "Platform/Observation/KeyValueObserving.h"
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
 #include "Platform/Runtime/NSException.h"
 #include "Platform/Text/Text.h"
+#include "Platform/Values/NSArray.h"
 
 namespace rvf {
 namespace {
@@ -15,6 +17,11 @@ const ClassRegistration kRegistration(&RVFQMServerServiceBrowser::classObject);
 
 constexpr std::string_view kDemoKey = "demo";
 constexpr std::string_view kDefaultDomains;
+
+/// The list as an object, for messages and key-value coding.
+Ref<NSArray> servicesOf(NSObject& self, SEL) {
+  return NSArray::arrayWithObjects(static_cast<RVFQMServerServiceBrowser&>(self).services());
+}
 
 }  // namespace
 
@@ -47,7 +54,7 @@ Class RVFQMServerServiceBrowser::classObject() {
               "serviceListChangedHandler")
           .method<&RVFQMServerServiceBrowser::setServiceListChangedHandler>(
               "setServiceListChangedHandler:")
-          .method<&RVFQMServerServiceBrowser::services>("services")
+          .method("services", IMP(&servicesOf))
           .method<&RVFQMServerServiceBrowser::startBrowsingWithServiceListChangedHandler>(
               "startBrowsingWithServiceListChangedHandler:")
           .method<&RVFQMServerServiceBrowser::netServiceBrowserDidFindService>(
@@ -66,11 +73,12 @@ Class RVFQMServerServiceBrowser::isa() const {
 }
 
 void RVFQMServerServiceBrowser::setServiceType(std::string serviceType) {
-  serviceType_ = std::move(serviceType);
+  announceChange(*this, "serviceType", [&] { serviceType_ = std::move(serviceType); });
 }
 
 void RVFQMServerServiceBrowser::setServiceListChangedHandler(ServiceListChangedHandler handler) {
-  serviceListChangedHandler_ = std::move(handler);
+  announceChange(*this, "serviceListChangedHandler",
+                 [&] { serviceListChangedHandler_ = std::move(handler); });
 }
 
 std::vector<Ref<RVFQMServerService>> RVFQMServerServiceBrowser::services() const {
@@ -98,7 +106,7 @@ void RVFQMServerServiceBrowser::stop() {
     browser_ = nullptr;
   }
   cleanupNetServices();
-  servicesByName_.clear();
+  announceChange(*this, "services", [&] { servicesByName_.clear(); });
 }
 
 Ref<RVFQMServerService> RVFQMServerServiceBrowser::serviceForName(std::string_view name) {
@@ -106,7 +114,7 @@ Ref<RVFQMServerService> RVFQMServerServiceBrowser::serviceForName(std::string_vi
     return known->second;
   }
   const auto service = std::make_shared<RVFQMServerService>();
-  servicesByName_.emplace(name, service);
+  announceChange(*this, "services", [&] { servicesByName_.emplace(name, service); });
   service->setServiceChangedHandler([self = refTo(this), weakService = std::weak_ptr(service)] {
     const auto changed = weakService.lock();
     if (changed && changed->isLoaded()) self->reportChangeOf(changed);
@@ -165,7 +173,7 @@ void RVFQMServerServiceBrowser::netServiceBrowserDidRemoveService(
   server->removeNetService(service);
   if (!server->netServices().empty()) return;
   server->setServiceChangedHandler(nullptr);
-  servicesByName_.erase(name);
+  announceChange(*this, "services", [&] { servicesByName_.erase(name); });
   if (const ServiceListChangedHandler handler = serviceListChangedHandler_) {
     handler(nullptr, server, nullptr);
   }

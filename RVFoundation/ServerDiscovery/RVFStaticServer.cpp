@@ -9,10 +9,10 @@
 #include <utility>
 
 #include "Platform/Locale/NSBundle.h"
+#include "Platform/Observation/KeyValueObserving.h"
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
 #include "Platform/Runtime/NSException.h"
-#include "Platform/Runtime/ScopeExit.h"
 #include "Platform/System/UUID.h"
 #include "Platform/Values/NSString.h"
 #include "RVFoundation/BackgroundExecution/NSObject-RVFExtensions.h"
@@ -118,6 +118,9 @@ Class RVFStaticServer::classObject() {
           .method<&RVFStaticServer::resolveUsingCompletion>("resolveUsingCompletion:")
           .method<&RVFStaticServer::resolveAddressForHost>("resolveAddressForHost:andPort:")
           .method<&RVFStaticServer::displayName>("displayName")
+          .method(
+              "keyPathsForValuesAffectingDisplayName",
+              dependentKeyImplementation<&RVFStaticServer::keyPathsForValuesAffectingDisplayName>())
           .method<&RVFStaticServer::dataDictionary>("dataDictionary")
           .method<&RVFStaticServer::stopResolving>("stopResolving")
           .registered();
@@ -129,19 +132,19 @@ Class RVFStaticServer::isa() const {
 }
 
 void RVFStaticServer::setServerAddress(std::optional<std::string> address) {
-  serverAddress_ = std::move(address);
+  announceChange(*this, "serverAddress", [&] { serverAddress_ = std::move(address); });
 }
 
 void RVFStaticServer::setServerDescription(std::optional<std::string> description) {
-  serverDescription_ = std::move(description);
+  announceChange(*this, "serverDescription", [&] { serverDescription_ = std::move(description); });
 }
 
 void RVFStaticServer::setServerId(std::optional<std::string> serverId) {
-  serverId_ = std::move(serverId);
+  announceChange(*this, "serverId", [&] { serverId_ = std::move(serverId); });
 }
 
 void RVFStaticServer::setCompletion(Completion completion) {
-  completion_ = std::move(completion);
+  announceChange(*this, "completion", [&] { completion_ = std::move(completion); });
 }
 
 void RVFStaticServer::setNameLookup(NameLookup lookup) {
@@ -161,6 +164,10 @@ std::string RVFStaticServer::displayName() const {
   return serverAddress_.value_or("");
 }
 
+std::set<std::string> RVFStaticServer::keyPathsForValuesAffectingDisplayName() {
+  return {"serverDescription", "serverAddress"};
+}
+
 bool RVFStaticServer::isEqual(const NSObject* other) const {
   if (this == other) return true;
   const auto* server = dynamic_cast<const RVFStaticServer*>(other);
@@ -173,7 +180,8 @@ std::size_t RVFStaticServer::hash() const {
 
 void RVFStaticServer::resolveUsingCompletion(Completion completion) {
   const auto self = refTo(this);
-  replaceCompletion(self, std::move(completion));
+  callAndClearCompletion(std::nullopt, nullptr, true);
+  setCompletion(std::move(completion));
   cancelResolving_ = false;
   const std::string address = serverAddress_.value_or("");
   const RVFServerAddressParts parts = RVFSplitServerAddress(address);
@@ -188,21 +196,23 @@ void RVFStaticServer::resolveUsingCompletion(Completion completion) {
 }
 
 /// The pending completion goes even if it throws: it has been called.
-void RVFStaticServer::replaceCompletion(const Ref<RVFStaticServer>& self, Completion completion) {
-  if (const Completion replaced = completion_) {
-    const ScopeExit cleared([this] { setCompletion(nullptr); });
-    replaced(self, std::nullopt, nullptr, true);
+void RVFStaticServer::callAndClearCompletion(const std::optional<Addresses>& addresses,
+                                             const Ref<NSError>& error, bool wasReplaced) {
+  const Completion completion = completion_;
+  if (!completion) return;
+  const auto self = refTo(this);
+  try {
+    completion(self, addresses, error, wasReplaced);
+  } catch (...) {
+    completion_ = nullptr;  // untold: the exception is what there is to say
+    throw;
   }
-  setCompletion(std::move(completion));
+  setCompletion(nullptr);
 }
 
 void RVFStaticServer::stopResolving() {
-  const auto self = refTo(this);
   cancelResolving_ = true;
-  if (const Completion abandoned = completion_) {
-    const ScopeExit cleared([this] { setCompletion(nullptr); });
-    abandoned(self, std::nullopt, nullptr, false);
-  }
+  callAndClearCompletion(std::nullopt, nullptr, false);
 }
 
 void RVFStaticServer::resolveAddressForHost(std::string_view host, std::string_view andPort) {
@@ -232,10 +242,7 @@ void RVFStaticServer::deliverLater(const NameLookupResult& found) {
 }
 
 void RVFStaticServer::deliver(const Addresses& addresses, const Ref<NSError>& error) {
-  if (const Completion completion = completion_) {
-    const ScopeExit cleared([this] { setCompletion(nullptr); });
-    completion(refTo(this), addresses, error, false);
-  }
+  callAndClearCompletion(addresses, error, false);
 }
 
 Ref<NSError> RVFStaticServer::netDBErrorForErrorCode(std::int32_t code) {

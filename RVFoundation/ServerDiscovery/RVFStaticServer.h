@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -90,6 +91,7 @@ class RVF_EXPORT RVFStaticServer : public NSObject {
   Ref<NSMutableDictionary> dataDictionary() const;
   /// The description, or the address where that is absent or empty, or "".
   std::string displayName() const;
+  static std::set<std::string> keyPathsForValuesAffectingDisplayName();
 
   /// Looks `serverAddress` up in the background and returns at once. The completion runs later on
   /// the main thread. A pending completion is called first, directly, as replaced. Whichever
@@ -114,7 +116,8 @@ class RVF_EXPORT RVFStaticServer : public NSObject {
  private:
   void setNewServerId();
   void readDataDictionary(const NSDictionary& record);
-  void replaceCompletion(const Ref<RVFStaticServer>& self, Completion completion);
+  void callAndClearCompletion(const std::optional<Addresses>& addresses, const Ref<NSError>& error,
+                              bool wasReplaced);
   void deliverLater(const NameLookupResult& found);
   void deliver(const Addresses& addresses, const Ref<NSError>& error);
 

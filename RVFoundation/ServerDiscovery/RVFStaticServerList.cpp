@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "Platform/Locale/NSBundle.h"
+#include "Platform/Observation/KeyValueObserving.h"
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
 #include "Platform/Text/Format.h"
@@ -66,6 +67,10 @@ Class RVFStaticServerList::isa() const {
 }
 
 void RVFStaticServerList::load() {
+  announceChange(*this, "serverCount", [&] { loadServers(); });
+}
+
+void RVFStaticServerList::loadServers() {
   servers_->removeAllObjects();
   const auto records =
       std::dynamic_pointer_cast<NSArray>(defaults_->arrayForKey(kStaticServersKey));
@@ -105,19 +110,32 @@ Ref<RVFStaticServer> RVFStaticServerList::serverWithServerDescription(
   });
 }
 
+void RVFStaticServerList::changeAndSave(const std::function<void()>& change) {
+  const id alive = weak_from_this().lock();
+  const auto before = servers_->copy();
+  announceChange(*this, "serverCount", change);
+  try {
+    save();
+  } catch (...) {
+    announceChange(*this, "serverCount", [&] {
+      servers_->removeAllObjects();
+      for (const id& server : before->objects())
+        servers_->addObject(server);
+    });
+    throw;
+  }
+}
+
 void RVFStaticServerList::addServer(const Ref<RVFStaticServer>& server) {
-  servers_->addObject(server);
-  save();
+  changeAndSave([&] { servers_->addObject(server); });
 }
 
 void RVFStaticServerList::insertServer(const Ref<RVFStaticServer>& server, std::size_t atIndex) {
-  servers_->insertObject(server, atIndex);
-  save();
+  changeAndSave([&] { servers_->insertObject(server, atIndex); });
 }
 
 void RVFStaticServerList::removeServerAtIndex(std::size_t index) {
-  servers_->removeObjectAtIndex(index);
-  save();
+  changeAndSave([&] { servers_->removeObjectAtIndex(index); });
 }
 
 std::string RVFStaticServerList::nextUntitledServerName() const {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -62,7 +63,9 @@ class RVF_EXPORT RVFStaticServerList final : public NSObject {
   Ref<RVFStaticServer> serverWithServerDescription(std::string_view description) const;
 
   /// Each saves at once. An absent server raises `NSInvalidArgumentException`, an index past the
-  /// end (for insertion: behind the end) `NSRangeException`; the list is then as before.
+  /// end (for insertion: behind the end) `NSRangeException`. So does, with
+  /// `NSInvalidArgumentException`, a server with a text that is not UTF-8, which no defaults file
+  /// holds. The list is then as before.
   void addServer(const Ref<RVFStaticServer>& server);
   void insertServer(const Ref<RVFStaticServer>& server, std::size_t atIndex);
   void removeServerAtIndex(std::size_t index);
@@ -72,6 +75,8 @@ class RVF_EXPORT RVFStaticServerList final : public NSObject {
   std::string nextUntitledServerName() const;
 
  private:
+  void loadServers();
+  void changeAndSave(const std::function<void()>& change);
   const Ref<NSUserDefaults> defaults_;
   const Ref<NSMutableArray> servers_ = NSMutableArray::array();
 };

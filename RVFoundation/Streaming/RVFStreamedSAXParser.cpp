@@ -7,6 +7,7 @@
 #include <string>
 #include <utility>
 
+#include "Platform/Observation/KeyValueObserving.h"
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
 #include "Platform/Runtime/NSAutoreleasePool.h"
@@ -72,8 +73,8 @@ struct RVFStreamedSAXParser::Callbacks {
     if (contextOf(parser)->nameNr >= kDeepestNesting) return refuseDepth(parser);
     run(parser, [&] {
       if (const auto* handler = parser.startElementHandler_.get()) {
-        parser.interupted_ = !(*handler)(localName, prefix, URI, namespaceCount, namespaces,
-                                         attributeCount, defaultedCount, attributes);
+        parser.setInterupted(!(*handler)(localName, prefix, URI, namespaceCount, namespaces,
+                                         attributeCount, defaultedCount, attributes));
       }
       if (parser.interupted_) xmlStopParser(contextOf(parser));
     });
@@ -89,7 +90,7 @@ struct RVFStreamedSAXParser::Callbacks {
     auto& parser = *static_cast<RVFStreamedSAXParser*>(context);
     run(parser, [&] {
       if (const auto* handler = parser.endElementHandler_.get()) {
-        parser.interupted_ = !(*handler)(localName, prefix, URI);
+        parser.setInterupted(!(*handler)(localName, prefix, URI));
       }
       if (parser.interupted_) xmlStopParser(contextOf(parser));
     });
@@ -170,12 +171,21 @@ Class RVFStreamedSAXParser::isa() const {
   return classObject();
 }
 
+void RVFStreamedSAXParser::setInterupted(bool interupted) {
+  announceChange(*this, "interupted", [&] { interupted_ = interupted; });
+}
+
+void RVFStreamedSAXParser::setParserContext(void* context) {
+  announceChange(*this, "parserContext", [&] { parserContext_ = context; });
+}
+
 RVFStreamedSAXParser::StartElementHandler RVFStreamedSAXParser::startElementHandler() const {
   return valueOf(startElementHandler_);
 }
 
 void RVFStreamedSAXParser::setStartElementHandler(StartElementHandler handler) {
-  retire(std::exchange(startElementHandler_, shared(std::move(handler))));
+  announceChange(*this, "startElementHandler",
+                 [&] { retire(std::exchange(startElementHandler_, shared(std::move(handler)))); });
 }
 
 RVFStreamedSAXParser::EndElementHandler RVFStreamedSAXParser::endElementHandler() const {
@@ -183,7 +193,8 @@ RVFStreamedSAXParser::EndElementHandler RVFStreamedSAXParser::endElementHandler(
 }
 
 void RVFStreamedSAXParser::setEndElementHandler(EndElementHandler handler) {
-  retire(std::exchange(endElementHandler_, shared(std::move(handler))));
+  announceChange(*this, "endElementHandler",
+                 [&] { retire(std::exchange(endElementHandler_, shared(std::move(handler)))); });
 }
 
 RVFStreamedSAXParser::FoundCharactersHandler RVFStreamedSAXParser::foundCharactersHandler() const {
@@ -191,7 +202,9 @@ RVFStreamedSAXParser::FoundCharactersHandler RVFStreamedSAXParser::foundCharacte
 }
 
 void RVFStreamedSAXParser::setFoundCharactersHandler(FoundCharactersHandler handler) {
-  retire(std::exchange(foundCharactersHandler_, shared(std::move(handler))));
+  announceChange(*this, "foundCharactersHandler", [&] {
+    retire(std::exchange(foundCharactersHandler_, shared(std::move(handler))));
+  });
 }
 
 /// A handler that is replaced while it runs must outlive its own call.

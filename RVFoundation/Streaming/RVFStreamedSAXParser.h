@@ -68,7 +68,7 @@ class RVF_EXPORT RVFStreamedSAXParser final : public NSObject {
   void* parserContext() const noexcept { return parserContext_; }
   /// Only assigns: the context that was there is the caller's from now on, the new one, which may
   /// be null, goes with this object. Not for handlers.
-  void setParserContext(void* context) noexcept { parserContext_ = context; }
+  void setParserContext(void* context);
 
   /// Empty where none is set; that callback is then skipped.
   StartElementHandler startElementHandler() const;
@@ -81,7 +81,7 @@ class RVF_EXPORT RVFStreamedSAXParser final : public NSObject {
   /// Whether the last start or end handler asked to stop.
   bool interupted() const noexcept { return interupted_; }
   /// Set before a callback without a handler, it stops the parse there.
-  void setInterupted(bool interupted) noexcept { interupted_ = interupted; }
+  void setInterupted(bool interupted);
 
   /// Parses one chunk, at most 2 GiB - 1 byte, split from the others anywhere. False on failure,
   /// in `RVFLIBXMLErrorDomain`: `RVFLIBXMLStoppedError` once a handler has stopped the parse, else

@@ -8,9 +8,11 @@
 #include <vector>
 
 #include "Platform/Numbers/NSDecimalNumber.h"
+#include "Platform/Observation/KeyValueCoding.h"
 #include "Platform/Runtime/Messaging.h"
 #include "Platform/Runtime/Runtime.h"
 #include "Platform/Values/NSString.h"
+#include "tests/RVFoundation/BackgroundExecution/AnnouncedKeys.h"
 
 namespace rvf {
 namespace {
@@ -107,6 +109,22 @@ TEST_F(RVFQuantityFormatterTest, TheLocaleIsTheInnerFormatters) {
   EXPECT_EQ(formatter_.quantityFormatter()->locale()->localeIdentifier(), "de_DE");
   EXPECT_EQ(formatter_.stringForObjectValue(decimal("1.5")), "1,5");
   EXPECT_EQ(reading("1,5"), "1.5");
+}
+
+TEST(RVFQuantityFormatterLocale, IsToldOnceHoweverItChanges) {
+  const auto formatter = std::make_shared<RVFQuantityFormatter>();
+  const auto announced = AnnouncedKeys::of(formatter, {"locale"});
+  const auto german = NSLocale::localeWithLocaleIdentifier("de_DE");
+  formatter->setLocale(german);
+  EXPECT_EQ(announced->told.size(), 1U);
+  formatter->quantityFormatter()->setLocale(german);
+  EXPECT_EQ(announced->told.size(), 2U);
+  setValueForKey(*formatter, german, "locale");
+  EXPECT_EQ(announced->told.size(), 3U);
+  formatter->setQuantityFormatter(nullptr);
+  EXPECT_EQ(announced->told.size(), 4U);
+  formatter->setLocale(german);
+  EXPECT_EQ(announced->told.size(), 5U);
 }
 
 TEST_F(RVFQuantityFormatterTest, TheInnerFormatterMayBeReplaced) {

@@ -6,7 +6,9 @@
 #include <sys/socket.h>
 
 #include "Platform/RunLoop/NSRunLoop.h"
+#include "Platform/Runtime/Messaging.h"
 #include "Platform/Runtime/NSException.h"
+#include "Platform/Values/NSArray.h"
 #include "tests/RVFoundation/ServerDiscovery/ScriptedDiscovery.h"
 
 namespace rvf {
@@ -276,6 +278,14 @@ TEST(DemoRecordOfOneZeroByte, AnswersFalseAndStoresFalse) {
   EXPECT_FALSE(RVFQMServerServiceBrowser::serviceContainsDemo(
       &flag, NSData::dataWithBytes(std::string_view("\0", 1))));
   EXPECT_FALSE(flag);
+}
+
+TEST_F(RVFQMServerServiceBrowserTest, AnswersItsListsAsArraysToMessages) {
+  start();
+  browser_->netServiceBrowserDidFindService(nullptr, registration("local."), false);
+  const auto services = send<Ref<NSArray>>(browser_, SEL("services"));
+  ASSERT_EQ(services->count(), 1U);
+  EXPECT_EQ(send<Ref<NSArray>>(services->firstObject(), SEL("netServices"))->count(), 1U);
 }
 
 }  // namespace

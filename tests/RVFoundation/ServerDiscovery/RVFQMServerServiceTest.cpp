@@ -4,8 +4,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "Platform/Predicates/NSPredicate.h"
 #include "Platform/Runtime/NSException.h"
 #include "Platform/Runtime/Runtime.h"
+#include "Platform/Values/NSString.h"
 #include "tests/RVFoundation/ServerDiscovery/ScriptedDiscovery.h"
 
 namespace rvf {
@@ -55,6 +57,17 @@ TEST_F(RVFQMServerServiceTest, StartsEmptyAndNotLoaded) {
   EXPECT_FALSE(server_->isDemo());
   EXPECT_FALSE(server_->isLoaded());
   EXPECT_FALSE(server_->isUsingBackToMyMac());
+}
+
+TEST_F(RVFQMServerServiceTest, IsFoundByPredicate) {
+  const auto search =
+      NSPredicate::predicateWithFormat("isDemo == NO AND name CONTAINS[cd] $SEARCH");
+  const auto typed = NSDictionary::dictionaryWithEntries({{"SEARCH", box("cafe")}});
+  EXPECT_FALSE(search->evaluateWithObject(server_, typed));
+  server_->addNetService(registration("local.", "Till, CAFÉ"));
+  EXPECT_TRUE(search->evaluateWithObject(server_, typed));
+  server_->setIsDemo(true);
+  EXPECT_FALSE(search->evaluateWithObject(server_, typed));
 }
 
 TEST_F(RVFQMServerServiceTest, AddingWatchesTheTXTRecordAndNeverReports) {

@@ -77,6 +77,23 @@ TEST_P(RVFStaticServerListTest, KeepsItsOrderThroughEveryChange) {
   EXPECT_EQ(addresses(*another()), (Addresses{"a", "c", "d", "e"}));
 }
 
+TEST(RVFStaticServerList, AChangeThatCannotBeSavedIsTakenBack) {
+  const TemporaryFolder folder;
+  const auto defaults = NSUserDefaults::userDefaultsWithFile(folder.file("defaults.plist"));
+  const auto list = std::make_shared<RVFStaticServerList>(defaults);
+  list->addServer(RVFStaticServer::staticServerWithAddress("a"));
+  const auto bad = RVFStaticServer::staticServerWithAddress("b");
+  bad->setServerDescription("\xFF");
+  EXPECT_THROW(list->addServer(bad), NSException);
+  EXPECT_THROW(list->insertServer(bad, 0), NSException);
+  EXPECT_EQ(list->serverCount(), 1U);
+  list->addServer(RVFStaticServer::staticServerWithAddress("c"));
+  list->removeServerAtIndex(0);
+  const RVFStaticServerList again(defaults);
+  ASSERT_EQ(again.serverCount(), 1U);
+  EXPECT_EQ(again.serverAtIndex(0)->serverAddress(), "c");
+}
+
 TEST_P(RVFStaticServerListTest, SavesEveryPropertyThatIsThere) {
   const auto first = server("10.0.0.5", "");
   first->setServerId("ID");
@@ -243,16 +260,15 @@ TEST(RVFStaticServerList, UntitledNamesAreTranslated) {
 }
 
 TEST(RVFStaticServerList, TheSharedOneIsOnTheStandardDefaults) {
-  const TemporaryFolder folder;
-  ASSERT_EQ(setenv("XDG_CONFIG_HOME", folder.path().c_str(), 1), 0);
-  NSUserDefaults::setStandardFolderName("till");
   const auto shared = RVFStaticServerList::sharedServerList();
   EXPECT_EQ(shared, RVFStaticServerList::sharedServerList());
   shared->addServer(RVFStaticServer::staticServerWithAddress("a"));
-  const auto file = NSUserDefaults::userDefaultsWithFile(folder.file("till/defaults.plist"));
-  EXPECT_EQ(RVFStaticServerList(file).serverCount(), 1U);
   EXPECT_TRUE(NSUserDefaults::standardUserDefaults()->objectForKey(kStaticServersKey));
-  unsetenv("XDG_CONFIG_HOME");
+  // See ConfigurationFolder.cpp.
+  const auto file = NSUserDefaults::userDefaultsWithFile(
+      NSUserDefaults::filePath(getenv("XDG_CONFIG_HOME"), "", program_invocation_short_name));
+  EXPECT_EQ(RVFStaticServerList(file).serverCount(), 1U);
+  shared->removeServerAtIndex(0);
 }
 
 TEST(RVFStaticServerList, AListThatCannotBeSavedStaysInMemory) {

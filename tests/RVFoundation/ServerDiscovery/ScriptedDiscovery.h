@@ -24,6 +24,14 @@ struct DiscoveryScript {
   std::vector<std::shared_ptr<Request<TXTRecordEvents>>> watches;
   std::vector<std::shared_ptr<Request<ResolveEvents>>> resolutions;
 
+  struct PublishRequest {
+    Publication publication;
+    PublishEvents events;
+    bool isActive = true;
+  };
+  std::vector<std::shared_ptr<PublishRequest>> publications;
+  std::string defaultName = "host";
+
   /// How often TXT watching was started for a name, and how often it is under way.
   int watchesStarted(const std::string& name) const { return count(name, false); }
   int watchesActive(const std::string& name) const { return count(name, true); }
@@ -61,6 +69,19 @@ class ScriptedDiscovery final {
     std::shared_ptr<Request> request_;
   };
 
+  class PublicationActivity final : public PublishActivity {
+   public:
+    explicit PublicationActivity(std::shared_ptr<DiscoveryScript::PublishRequest> request)
+        : request_(std::move(request)) {}
+    ~PublicationActivity() override { request_->isActive = false; }
+    void updateTXTRecord(std::vector<std::byte> record) override {
+      request_->publication.txtRecord = std::move(record);
+    }
+
+   private:
+    std::shared_ptr<DiscoveryScript::PublishRequest> request_;
+  };
+
   class Backend final : public ServiceDiscoveryBackend {
    public:
     explicit Backend(std::shared_ptr<DiscoveryScript> script) : script_(std::move(script)) {}
@@ -77,10 +98,13 @@ class ScriptedDiscovery final {
                                                ResolveEvents events) override {
       return add(script_->resolutions, identity, std::move(events));
     }
-    std::unique_ptr<PublishActivity> publish(const Publication&, PublishEvents) override {
-      return nullptr;  // nothing here publishes
+    std::unique_ptr<PublishActivity> publish(const Publication& publication,
+                                             PublishEvents events) override {
+      script_->publications.push_back(std::make_shared<DiscoveryScript::PublishRequest>(
+          DiscoveryScript::PublishRequest{publication, std::move(events)}));
+      return std::make_unique<PublicationActivity>(script_->publications.back());
     }
-    std::string defaultServiceName() override { return "host"; }
+    std::string defaultServiceName() override { return script_->defaultName; }
 
    private:
     template <class Request, class Events>
