@@ -76,6 +76,23 @@ void Probe::stop(const std::string& service) {
   send({{"do", "stop"}, {"service", service}});
 }
 
+void Probe::observe(const std::string& notification) {
+  send({{"do", "observe"}, {"name", notification}});
+}
+
+void Probe::endObserving(const std::string& notification) {
+  send({{"do", "endObserving"}, {"name", notification}});
+}
+
+void Probe::post(const std::string& notification, int count, bool again) {
+  send({{"do", "post"}, {"name", notification}, {"count", count}, {"again", again}});
+}
+
+int Probe::countDescriptors() {
+  send({{"do", "countDescriptors"}});
+  return waitFor({{"event", "descriptors"}})["count"];
+}
+
 void Probe::holdPort(int port) {
   send({{"do", "holdPort"}, {"port", port}});
 }

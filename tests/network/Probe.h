@@ -38,6 +38,13 @@ class Probe {
                double timeoutSeconds);
   void monitor(const std::string& service, const std::string& name, const std::string& type);
   void stop(const std::string& service);
+  /// Reports "delivered" with the name for each notification.
+  void observe(const std::string& notification);
+  void endObserving(const std::string& notification);
+  /// Reports "posting", "posted". `again` posts once more the moment that this has ended.
+  void post(const std::string& notification, int count = 1, bool again = false);
+  /// How many descriptors the program has open.
+  int countDescriptors();
   /// Takes a UDP port for itself alone; reports "holding".
   void holdPort(int port);
   /// Sets the program's wall clock forward, or back.

@@ -81,6 +81,12 @@ void ProbeSession::perform(const Json& command) {
   if (action == "stopMonitoring") return service(command)->stopMonitoring();
   if (action == "stop") return service(command)->stop();
   if (action == "holdPort") return holdPort(command.at("port"));
+  if (action == "observe") return notifications_.observe(command.at("name"));
+  if (action == "endObserving") return notifications_.endObserving(command.at("name"));
+  if (action == "post") {
+    return notifications_.post(command.at("name"), command.at("count"), command.at("again"));
+  }
+  if (action == "countDescriptors") return notifications_.countDescriptors();
   if (action == "stepClock") return stepWallClock(std::chrono::seconds(command.at("seconds")));
   if (action == "sync") return write({{"event", "synced"}, {"number", command.at("number")}});
   throw std::invalid_argument("unknown command " + action);

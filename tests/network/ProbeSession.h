@@ -6,9 +6,11 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <utility>
 
 #include "Platform/Network/NSNetService.h"
 #include "Platform/Network/NSNetServiceBrowser.h"
+#include "tests/network/NotificationSession.h"
 
 namespace rvf::network {
 
@@ -55,6 +57,7 @@ class ProbeSession final : public NSNetServiceDelegate,
 
   Ref<NSNetServiceBrowser> browser_ = NSNetServiceBrowser::browser();
   std::map<std::string, Ref<NSNetService>> services_;
+  NotificationSession notifications_{[this](Json event) { write(std::move(event)); }};
 };
 
 }  // namespace rvf::network

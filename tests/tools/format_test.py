@@ -97,6 +97,7 @@ class TextTest(ToolTest):
         self.assert_fails(65, "no well-formed UTF-8", "text", "escape-url", b"\xff")
         self.assert_fails(65, "Make sure any %@( is closed with )", "text", "fill", "%@(name")
         self.assert_fails(65, "KEY=VALUE", "text", "fill", "a", "name")
+        self.assert_fails(64, "takes one text", "text", "words", "a", "b")
 
 
 if __name__ == "__main__":

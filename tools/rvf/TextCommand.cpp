@@ -98,6 +98,10 @@ const std::vector<std::string>& textOperations() {
 }
 
 ExitCode textCommand(const TextOptions& options) {
+  if (!options.values.empty() && options.operation != "fill") {
+    complain("\"" + options.operation + "\" takes one text: quote it");
+    return ExitCode::usage;
+  }
   if (options.locale) NSLocale::setCurrentLocaleIdentifier(options.locale);
   const Operation& operation = operationNamed(options.operation);
   Result result;

@@ -15,9 +15,16 @@
 
 #include "Platform/Network/ServiceDiscovery.h"
 #include "tools/rvf/BrowseCommand.h"
+#include "tools/rvf/ColumnsCommand.h"
 #include "tools/rvf/ConnectCommand.h"
+#include "tools/rvf/DescribeCommand.h"
 #include "tools/rvf/ExpiryCommand.h"
+#include "tools/rvf/FilterCommand.h"
 #include "tools/rvf/FormatCommand.h"
+#include "tools/rvf/LogCommand.h"
+#include "tools/rvf/MachineCommand.h"
+#include "tools/rvf/NotificationCommands.h"
+#include "tools/rvf/PeriodCommand.h"
 #include "tools/rvf/ResolveCommand.h"
 #include "tools/rvf/ServersCommand.h"
 #include "tools/rvf/SwipeCommand.h"
@@ -29,17 +36,23 @@
 namespace {
 
 using rvf::tool::BrowseOptions;
+using rvf::tool::ColumnsOptions;
 using rvf::tool::ConnectOptions;
+using rvf::tool::FilterOptions;
 using rvf::tool::FormatOptions;
+using rvf::tool::LogOptions;
+using rvf::tool::ObserveOptions;
+using rvf::tool::PeriodOptions;
 using rvf::tool::ServersOptions;
 using rvf::tool::SwipeOptions;
 using rvf::tool::TextOptions;
 
 constexpr const char* kFooter =
-    "Exit codes: 0 done, 64 wrong usage, 65 the answer is no well-formed gzip XML, or a swipe,\n"
-    "date, value or text cannot be read, 66 a named file or standard input cannot be read, 68 no\n"
-    "such server, 69 discovery or server unavailable, 70 internal error, 73 the list of servers\n"
-    "could not be saved, 74 output failed, 75 out of time, 76 TLS or HTTP failed.";
+    "Exit codes: 0 done, 64 wrong usage, 65 the answer is no well-formed gzip XML, there is no\n"
+    "such class, or a swipe, date, value, text, record or property list cannot be read, 66 a\n"
+    "named file or standard input cannot be read, 68 no such server, 69 discovery, server or\n"
+    "system log unavailable, 70 internal error, 73 the list of servers could not be saved, 74\n"
+    "output failed, 75 out of time, 76 TLS or HTTP failed.";
 
 /// https://no-color.org: any value that is not empty switches colour off.
 bool wantsColour() {
@@ -111,6 +124,39 @@ void addConnect(CLI::App& app, ConnectOptions& options, ExitCode& result) {
   command->callback([&] { result = rvf::tool::connectCommand(options); });
 }
 
+/// Notifications are DNS-SD service types: what is none would be sent to nobody, silently.
+CLI::Validator isNotification() {
+  return {[](std::string& text) -> std::string {
+            if (rvf::tool::isNotificationName(text)) return {};
+            return "\"" + text + "\" is no notification name; these are like _menu-changed._tcp";
+          },
+          "_NAME._tcp"};
+}
+
+void addPost(CLI::App& app, std::string& name, ExitCode& result) {
+  auto* command = app.add_subcommand(
+      "post",
+      "Send a notification to the network; takes the ten seconds in which it can be received");
+  command->add_option("NAME", name, "The notification, a DNS-SD service type")
+      ->required()
+      ->check(isNotification());
+  command->callback([&] { result = rvf::tool::postCommand(name); });
+}
+
+void addObserve(CLI::App& app, ObserveOptions& options, ExitCode& result) {
+  auto* command =
+      app.add_subcommand("observe", "Print the notifications of these names as they are delivered");
+  command->add_option("NAME", options.names, "The notifications, DNS-SD service types")
+      ->required()
+      ->check(isNotification());
+  command->add_flag("--json", options.asJson, "One JSON object a delivery");
+  command
+      ->add_option("--for", options.seconds,
+                   "Stop after this many seconds; default: when interrupted")
+      ->check(isDuration());
+  command->callback([&] { result = rvf::tool::observeCommand(options); });
+}
+
 void addSwipe(CLI::App& app, SwipeOptions& options, ExitCode& result) {
   auto* command = app.add_subcommand(
       "swipe", "Read card swipes from standard input, one a line, and print their fields");
@@ -131,6 +177,33 @@ void addExpiry(CLI::App& app, std::string& text, bool& asJson, ExitCode& result)
   command->add_option("TEXT", text, "The date as it was typed")->required();
   command->add_flag("--json", asJson, "Print a JSON object");
   command->callback([&] { result = rvf::tool::expiryCommand(text, asJson); });
+}
+
+void addDescribe(CLI::App& app, std::string& className, bool& asJson, ExitCode& result) {
+  auto* command = app.add_subcommand(
+      "describe", "Print the properties, instance variables and methods of a class");
+  command->add_option("CLASS", className, "For example RVFStaticServer")->required();
+  command->add_flag("--json", asJson, "Print a JSON object");
+  command->callback([&] { result = rvf::tool::describeCommand(className, asJson); });
+}
+
+void addFilter(CLI::App& app, FilterOptions& options, ExitCode& result) {
+  auto* command = app.add_subcommand(
+      "filter",
+      "Read JSON objects from standard input, each in a line of its own or all in one array, and "
+      "print those that match a predicate");
+  command
+      ->add_option("PREDICATE", options.predicate,
+                   "For example: name CONTAINS[cd] $S AND price > 10")
+      ->required();
+  command
+      ->add_option("--set", options.settings,
+                   "The text of a variable; each of its words is compared")
+      ->option_text("NAME=TEXT ...")
+      ->expected(1)
+      ->allow_extra_args(false)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+  command->callback([&] { result = rvf::tool::filterCommand(options); });
 }
 
 void addFormat(CLI::App& app, FormatOptions& options, ExitCode& result) {
@@ -157,6 +230,55 @@ void addText(CLI::App& app, TextOptions& options, ExitCode& result) {
   command->add_option("KEY=VALUE", options.values, "fill: what %@(KEY) stands for");
   command->add_option("--locale", options.locale, "For example de_DE; default: the environment's");
   command->callback([&] { result = rvf::tool::textCommand(options); });
+}
+
+void addLog(CLI::App& app, LogOptions& options, ExitCode& result) {
+  auto* command = app.add_subcommand("log", "Write to the system log");
+  command->add_option("TEXT", options.words,
+                      "One line, words joined by blanks; default: the lines of standard input");
+  command->add_option("-l,--level", options.level, "How severe it is")
+      ->transform(CLI::CheckedTransformer(rvf::tool::logLevels()))
+      ->option_text("emerg|alert|crit|err|warning|notice|info|debug|0-7 [notice]");
+  command->add_option("-t,--name", options.name, "The sender; default: rvf");
+  command->add_option("-f,--facility", options.facility, "For example local0")
+      ->capture_default_str();
+  command->add_flag("-s,--stderr", options.isCopied,
+                    "Also to standard error, which then suffices if no log is reachable");
+  command->callback([&] { result = rvf::tool::logCommand(options); });
+}
+
+void addPeriod(CLI::App& app, PeriodOptions& options, ExitCode& result) {
+  auto* command =
+      app.add_subcommand("period", "Print the first or last day of a week, month or year");
+  command->add_option("PERIOD", options.period, "Which day")
+      ->required()
+      ->check(CLI::IsMember(rvf::tool::periodNames()));
+  command->add_option("--delta", options.delta,
+                      "Years from the date's, for first-day-of-year-with-delta");
+  command->add_option("--date", options.date,
+                      "Such as 2024-03-12 or 2024-03-12T02:30 in the zone, or "
+                      "2024-03-12T06:30:00Z or 2024-03-12T06:30:00+02:00; default: now");
+  command->add_option("--zone", options.zone, "Such as America/New_York; default: the device's");
+  command->add_option("--calendar", options.calendar,
+                      "Such as gregorian, buddhist or hebrew; default: the user's");
+  command->add_flag("--json", options.asJson, "Print a JSON object");
+  command->callback([&] { result = rvf::tool::periodCommand(options); });
+}
+
+void addColumns(CLI::App& app, ColumnsOptions& options, ExitCode& result) {
+  auto* command = app.add_subcommand("columns", "Print the widths and order of a table's column");
+  command->add_option("FILE", options.file, "A property list of column widths")->required();
+  command->add_option("TABLE", options.table, "The table's identifier")->required();
+  command->add_option("COLUMN", options.column, "The column's key")->required();
+  command->add_flag("--json", options.asJson, "Print a JSON object");
+  command->callback([&] { result = rvf::tool::columnsCommand(options); });
+}
+
+void addMachine(CLI::App& app, bool& asJson, ExitCode& result) {
+  auto* command =
+      app.add_subcommand("machine", "Print the machine's model, memory and TCP send space");
+  command->add_flag("--json", asJson, "Print a JSON object");
+  command->callback([&] { result = rvf::tool::machineCommand(asJson); });
 }
 
 /// One subcommand of "rvf servers".
@@ -204,18 +326,51 @@ void addServers(CLI::App& app, ServersOptions& options, ExitCode& result) {
       ->capture_default_str();
 }
 
-ExitCode run(int argc, char** argv) {
-  ExitCode result = ExitCode::ok;
+/// What the command line says, one member a command.
+struct Options {
   BrowseOptions browse;
-  browse.inColour = wantsColour();
-  ConnectOptions resolve;
+  ColumnsOptions columns;
   ConnectOptions connect;
-  SwipeOptions swipe;
-  ServersOptions servers;
+  std::string className;
+  bool isDescribeJson = false;
   std::string expiry;
   bool isExpiryJson = false;
+  FilterOptions filter;
   FormatOptions format;
+  LogOptions log;
+  bool isMachineJson = false;
+  std::string notification;
+  ObserveOptions observe;
+  PeriodOptions period;
+  ConnectOptions resolve;
+  ServersOptions servers;
+  SwipeOptions swipe;
   TextOptions text;
+};
+
+void addCommands(CLI::App& app, Options& options, ExitCode& result) {
+  addBrowse(app, options.browse, result);
+  addResolve(app, options.resolve, result);
+  addConnect(app, options.connect, result);
+  addPost(app, options.notification, result);
+  addObserve(app, options.observe, result);
+  addSwipe(app, options.swipe, result);
+  addExpiry(app, options.expiry, options.isExpiryJson, result);
+  addDescribe(app, options.className, options.isDescribeJson, result);
+  addFilter(app, options.filter, result);
+  addFormat(app, options.format, result);
+  addText(app, options.text, result);
+  addPeriod(app, options.period, result);
+  addColumns(app, options.columns, result);
+  addMachine(app, options.isMachineJson, result);
+  addServers(app, options.servers, result);
+  addLog(app, options.log, result);
+}
+
+ExitCode run(int argc, char** argv) {
+  ExitCode result = ExitCode::ok;
+  Options options;
+  options.browse.inColour = wantsColour();
   CLI::App app("Tools of the RVFoundation library");
   app.require_subcommand(1);
   app.fallthrough();
@@ -227,14 +382,7 @@ ExitCode run(int argc, char** argv) {
       ->transform(CLI::CheckedTransformer(discoveryChoices()))
       ->option_text("WORD")
       ->trigger_on_parse();
-  addBrowse(app, browse, result);
-  addResolve(app, resolve, result);
-  addConnect(app, connect, result);
-  addSwipe(app, swipe, result);
-  addExpiry(app, expiry, isExpiryJson, result);
-  addFormat(app, format, result);
-  addText(app, text, result);
-  addServers(app, servers, result);
+  addCommands(app, options, result);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

@@ -1,0 +1,141 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "tools/rvf/PeriodCommand.h"
+
+#include <algorithm>
+#include <iostream>
+#include <string_view>
+
+#include "RVFoundation/PlatformUtilities/NSCalendar-RVFExtensions.h"
+#include "RVFoundation/PlatformUtilities/NSDateFormatter-RVFExtensions.h"
+#include "RVFoundation/PlatformUtilities/NSLocale-RVFExtensions.h"
+#include "tools/rvf/Finding.h"
+
+namespace rvf::tool {
+namespace {
+
+struct Period {
+  std::string_view name;
+  Ref<NSDate> (*boundary)(const Ref<NSCalendar>&, const Ref<NSDate>&);  ///< null: needs the delta
+};
+
+constexpr Period kPeriods[] = {
+    {"first-day-of-week", &RVF_firstDayOfWeekForDate},
+    {"first-day-of-previous-week", &RVF_firstDayOfPreviousWeekForDate},
+    {"last-day-of-previous-week", &RVF_lastDayOfPreviousWeekForDate},
+    {"first-day-of-next-week", &RVF_firstDayOfNextWeekForDate},
+    {"last-day-of-next-week", &RVF_lastDayOfNextWeekForDate},
+    {"first-day-of-current-month", &RVF_firstDayOfCurrentMonthForDate},
+    {"last-day-of-current-month", &RVF_lastDayOfCurrentMonthForDate},
+    {"last-day-of-previous-month", &RVF_lastDayOfPreviousMonthForDate},
+    {"first-day-of-previous-month", &RVF_firstDayOfPreviousMonthForDate},
+    {"first-day-of-next-month", &RVF_firstDayOfNextMonthForDate},
+    {"last-day-of-next-month", &RVF_lastDayOfNextMonthForDate},
+    {"first-day-of-year-with-delta", nullptr},
+    {"first-day-of-current-year", &RVF_firstDayOfCurrentYearForDate},
+    {"first-day-of-next-year", &RVF_firstDayOfNextYearForDate},
+    {"last-day-of-next-year", &RVF_lastDayOfNextYearForDate},
+};
+
+Ref<NSDateFormatter> formatter(std::string_view pattern, const Ref<NSTimeZone>& zone) {
+  auto made = std::make_shared<NSDateFormatter>();
+  made->setLocale(NSLocale_RVFExtensions::RVF_POSIXLocale());
+  made->setTimeZone(zone);
+  made->setDateFormat(pattern);
+  return made;
+}
+
+/// The zone of a final distance from UTC, "+05:30"; absent if there is none.
+Ref<NSTimeZone> zoneAtEnd(const std::string& text) {
+  constexpr std::size_t kLength = 6;
+  return text.size() < kLength
+             ? nullptr
+             : NSTimeZone::timeZoneWithName("GMT" + text.substr(text.size() - kLength));
+}
+
+/// A moment that says how far it is from UTC.
+Ref<NSDate> readMoment(const std::string& text) {
+  if (auto date = NSDateFormatter_RVFExtensions::RVF_RFC3339DateFormatter()->dateFromString(text))
+    return date;
+  const auto zone = zoneAtEnd(text);
+  return zone ? formatter("yyyy-MM-dd'T'HH:mm:ssxxx", zone)->dateFromString(text) : nullptr;
+}
+
+/// A time that the zone's clock leaves out is none.
+Ref<NSDate> readDate(const std::string& text, const Ref<NSTimeZone>& zone) {
+  if (auto date = readMoment(text)) return date;
+  for (const char* pattern : {"yyyy-MM-dd", "yyyy-MM-dd'T'HH:mm", "yyyy-MM-dd'T'HH:mm:ss"}) {
+    if (auto date = formatter(pattern, zone)->dateFromString(text)) return date;
+  }
+  return nullptr;
+}
+
+std::string isoText(const Ref<NSDate>& date, const Ref<NSTimeZone>& zone) {
+  return formatter("yyyy-MM-dd'T'HH:mm:ssxxx", zone)->stringFromDate(date).value_or("");
+}
+
+nlohmann::json jsonOf(const PeriodOptions& options, const Ref<NSCalendar>& calendar,
+                      const Ref<NSDate>& date, const Ref<NSDate>& result) {
+  const auto fields = calendar->components(
+      NSCalendarUnitYear | NSCalendarUnitMonth | NSCalendarUnitDay | NSCalendarUnitWeekday, result);
+  return {{"period", options.period},
+          {"date", isoText(date, calendar->timeZone())},
+          {"result", isoText(result, calendar->timeZone())},
+          {"zone", calendar->timeZone()->name()},
+          {"calendar", calendar->calendarIdentifier()},
+          {"year", fields->year()},
+          {"month", fields->month()},
+          {"day", fields->day()},
+          {"weekday", fields->weekday()}};
+}
+
+const Period& periodOf(const PeriodOptions& options) {
+  return *std::ranges::find(kPeriods, options.period, &Period::name);
+}
+
+Ref<NSDate> boundaryOf(const PeriodOptions& options, const Ref<NSCalendar>& calendar,
+                       const Ref<NSDate>& date) {
+  const Period& period = periodOf(options);
+  return period.boundary ? period.boundary(calendar, date)
+                         : RVF_firstDayOfYearWithDelta(calendar, options.delta.value_or(0), date);
+}
+
+ExitCode fail(ExitCode code, const std::string& message) {
+  complain(message);
+  return code;
+}
+
+}  // namespace
+
+const std::vector<std::string>& periodNames() {
+  static const std::vector<std::string> kNames = [] {
+    std::vector<std::string> names;
+    for (const Period& period : kPeriods)
+      names.emplace_back(period.name);
+    return names;
+  }();
+  return kNames;
+}
+
+ExitCode periodCommand(const PeriodOptions& options) {
+  if (options.delta && periodOf(options).boundary)
+    return fail(ExitCode::usage, "--delta goes with first-day-of-year-with-delta alone");
+  const auto zone =
+      options.zone ? NSTimeZone::timeZoneWithName(*options.zone) : NSTimeZone::defaultTimeZone();
+  if (!zone) return fail(ExitCode::usage, "there is no time zone \"" + *options.zone + "\"");
+  const auto calendar = options.calendar ? NSCalendar::calendarWithIdentifier(*options.calendar)
+                                         : NSCalendar::currentCalendar();
+  if (!calendar) return fail(ExitCode::usage, "there is no calendar \"" + *options.calendar + "\"");
+  calendar->setTimeZone(zone);
+  const auto date = options.date ? readDate(*options.date, zone) : NSDate::date();
+  if (!date) return fail(ExitCode::dataError, "\"" + *options.date + "\" is no date there");
+  const auto result = boundaryOf(options, calendar, date);
+  if (!result) return fail(ExitCode::dataError, "the calendar does not reach that far");
+  if (options.asJson) {
+    std::cout << jsonText(jsonOf(options, calendar, date, result)) << "\n";
+  } else {
+    std::cout << isoText(result, zone) << "\n";
+  }
+  return std::cout.flush() ? ExitCode::ok : ExitCode::ioError;
+}
+
+}  // namespace rvf::tool
