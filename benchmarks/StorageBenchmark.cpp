@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The list of hand-entered servers on user defaults, loaded and saved, against raw libplist that
-// reads and writes the same records, with the same sequence of locking, writing, flushing and
-// renaming. Both take turns within one measurement; "of_limit" is the ratio of the fastest rounds,
-// 1 being raw libplist and more being slower. The folder is $TMPDIR or /tmp.
+// does equal work: it parses the same file and makes a text of every value of every record, or
+// builds the same records and locks, writes, flushes and renames in the same sequence; both are
+// checked to come to the same records first. Both take turns within one measurement; "of_limit" is
+// the ratio of the fastest rounds, 1 being raw libplist and more being slower. The folder is
+// $TMPDIR or /tmp.
 
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
