@@ -1,4 +1,5 @@
-# cmake --install, and what find_package(RVFoundation CONFIG) finds afterwards.
+# cmake --install, and what find_package(RVFoundation CONFIG) and pkg-config find afterwards.
+# Components: Runtime (libraries, translations), Development (headers, what the two find), Tool.
 
 include(CMakePackageConfigHelpers)
 
@@ -15,15 +16,16 @@ endif()
 install(
   TARGETS Platform RVFoundation
   EXPORT RVFoundationTargets
-  RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}"
-  LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
-  ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}"
-  FILE_SET HEADERS DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/rvfoundation")
+  LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT Runtime
+          NAMELINK_COMPONENT Development
+  ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT Development
+  FILE_SET HEADERS DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/rvfoundation" COMPONENT Development)
 
 install(
   EXPORT RVFoundationTargets
   NAMESPACE RVFoundation::
-  DESTINATION "${RVF_PACKAGE_DIR}")
+  DESTINATION "${RVF_PACKAGE_DIR}"
+  COMPONENT Development)
 
 configure_package_config_file(
   "${CMAKE_CURRENT_LIST_DIR}/RVFoundationConfig.cmake.in"
@@ -33,8 +35,18 @@ write_basic_package_version_file("${PROJECT_BINARY_DIR}/RVFoundationConfigVersio
                                  COMPATIBILITY SameMinorVersion)
 install(FILES "${PROJECT_BINARY_DIR}/RVFoundationConfig.cmake"
               "${PROJECT_BINARY_DIR}/RVFoundationConfigVersion.cmake"
-        DESTINATION "${RVF_PACKAGE_DIR}")
+        DESTINATION "${RVF_PACKAGE_DIR}"
+        COMPONENT Development)
 if(NOT BUILD_SHARED_LIBS)
   # Static libraries leave it to their client to link what they stand on.
-  install(FILES "${CMAKE_CURRENT_LIST_DIR}/Dependencies.cmake" DESTINATION "${RVF_PACKAGE_DIR}")
+  install(FILES "${CMAKE_CURRENT_LIST_DIR}/Dependencies.cmake" DESTINATION "${RVF_PACKAGE_DIR}"
+          COMPONENT Development)
 endif()
+
+file(RELATIVE_PATH RVF_PREFIX_FROM_PKGCONFIG "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig"
+     "${CMAKE_INSTALL_PREFIX}")
+foreach(file IN ITEMS rvfplatform.pc rvfoundation.pc)
+  configure_file("${CMAKE_CURRENT_LIST_DIR}/${file}.in" "${PROJECT_BINARY_DIR}/${file}" @ONLY)
+  install(FILES "${PROJECT_BINARY_DIR}/${file}" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig"
+          COMPONENT Development)
+endforeach()

@@ -1,0 +1,67 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
+# Builds and runs a client's project against this build tree, the way the client would.
+#
+# usage: consumer_test.sh find_package|pkg_config|debian BUILD_DIR WORK_DIR CXX CXX_FLAGS
+#
+# CXX and CXX_FLAGS are those of the build tree: sanitizers must agree on both sides.
+set -euo pipefail
+
+kind=$1 build=$2 work=$3 cxx=$4 cxx_flags=$5
+here=$(cd "$(dirname "$0")" && pwd)
+rm -rf "$work"
+mkdir -p "$work"
+
+# Elsewhere than it was installed to: nothing may depend on where the prefix is.
+install_and_move() {
+  cmake --install "$build" --prefix "$work/prefix" >/dev/null
+  mv "$work/prefix" "$work/moved"
+}
+
+build_project() {
+  cmake -S "$here/$1" -B "$work/build" -G Ninja -D CMAKE_CXX_COMPILER="$cxx" \
+    -D CMAKE_CXX_FLAGS="$cxx_flags" "${@:2}"
+  cmake --build "$work/build"
+  "$work/build/consumer"
+}
+
+# The tool finds its libraries and its translations wherever it is installed.
+check_tool() {
+  if [[ ! -e $1 ]]; then return; fi
+  local problem
+  problem=$(LC_ALL=de_DE.UTF-8 "$1" expiry 1325 2>&1) && return 1
+  grep -q "Ablaufmonat '13'" <<<"$problem" || {
+    echo "the installed tool does not speak German: $problem" >&2
+    return 1
+  }
+}
+
+case $kind in
+  find_package)
+    install_and_move
+    build_project find_package -D CMAKE_PREFIX_PATH="$work/moved"
+    check_tool "$work/moved/bin/rvf"
+    ;;
+  pkg_config)
+    install_and_move
+    folder=$(dirname "$(find "$work/moved" -name rvfoundation.pc)")
+    read -ra flags < <(PKG_CONFIG_PATH=$folder pkg-config --cflags --libs rvfoundation)
+    "$cxx" -std=c++20 "$here/main.cpp" -o "$work/consumer" "${flags[@]}"
+    LD_LIBRARY_PATH=$(PKG_CONFIG_PATH=$folder pkg-config --variable=libdir rvfoundation) \
+      "$work/consumer"
+    ;;
+  debian)
+    (cd "$build" && cpack -G DEB -B "$work/packages" >"$work/cpack.log") ||
+      { cat "$work/cpack.log" >&2 && exit 1; }
+    lintian --allow-root --fail-on error "$work"/packages/*.deb
+    mkdir -p "$work/root/var/lib/dpkg"
+    dpkg --root="$work/root" --force-depends --force-script-chrootless --no-triggers \
+      --log=/dev/null -i "$work"/packages/*.deb
+    build_project find_package -D CMAKE_PREFIX_PATH="$work/root/usr"
+    check_tool "$work/root/usr/bin/rvf"
+    ;;
+  *)
+    sed -n '/^# usage/s/^# //p' "$0" >&2
+    exit 2
+    ;;
+esac
