@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Compiler settings that hold for every target of this project.
 
 set(CMAKE_CXX_STANDARD 20)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Third-party libraries, all from the distribution. Nothing is downloaded.
 
 find_package(PkgConfig REQUIRED)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # cmake --install, and what find_package(RVFoundation CONFIG) and pkg-config find afterwards.
 # Components: Runtime (libraries, translations), Development (headers, what the two find), Tool.
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # cpack -G DEB: librvfoundation0 (libraries), librvfoundation-dev (headers), rvf (the tool).
 # Configure with CMAKE_INSTALL_PREFIX=/usr, as the preset "package" does, for Debian's folders.
 

@@ -9,22 +9,24 @@ from pathlib import Path
 
 CHECK_LAYERS = Path(__file__).resolve().parents[2] / "scripts" / "check-layers"
 LICENCE = "// SPDX-License-Identifier: Apache-2.0\n"
+HASH_LICENCE = "# SPDX-License-Identifier: Apache-2.0\n"
+SOURCES = HASH_LICENCE + "target_sources"
 
 SOUND_TREE = {
     "Platform/Export.h": LICENCE,
-    "Platform/CMakeLists.txt": "target_sources(P PUBLIC FILE_SET HEADERS FILES Export.h)",
+    "Platform/CMakeLists.txt": SOURCES + "(P PUBLIC FILE_SET HEADERS FILES Export.h)",
     "Platform/Runtime/NSObject.h": LICENCE + '#include <memory>\n#include "Platform/Export.h"\n',
     "Platform/Runtime/CMakeLists.txt":
-        "target_sources(P PUBLIC FILE_SET HEADERS FILES NSObject.h)",
+        SOURCES + "(P PUBLIC FILE_SET HEADERS FILES NSObject.h)",
     "Platform/Values/NSData.h": LICENCE + '#include "Platform/Runtime/NSObject.h"\n',
     "Platform/Values/Bytes.h": LICENCE + "#include <zlib.h>\n",
     "Platform/Values/Inner/Buffer.h": LICENCE,
     "Platform/Values/CMakeLists.txt":
-        "target_sources(P PRIVATE Bytes.h Inner/Buffer.h PUBLIC FILE_SET HEADERS FILES NSData.h)",
+        SOURCES + "(P PRIVATE Bytes.h Inner/Buffer.h PUBLIC FILE_SET HEADERS FILES NSData.h)",
     "RVFoundation/Text/Escapes.cpp": LICENCE + '#include "Platform/Values/NSData.h"\n',
     "RVFoundation/Streaming/Inflater.cpp": LICENCE + "#include <zlib.h>\n#include <sys/uio.h>\n",
     "RVFoundation/Formatters/Amounts.cpp": LICENCE,
-    "scripts/build": "#!/bin/sh\n# SPDX-License-Identifier: Apache-2.0\n",
+    "scripts/build": "#!/bin/sh\n" + HASH_LICENCE,
 }
 
 
@@ -103,8 +105,8 @@ class CheckLayers(unittest.TestCase):
             {"Platform/Values/NSData.h": LICENCE + '#include "Platform/Values/NSText.h"\n',
              "Platform/Values/NSText.h": LICENCE + '#include "Platform/Values/NSData.h"\n',
              "Platform/Values/CMakeLists.txt":
-                 "target_sources(P PRIVATE Bytes.h Inner/Buffer.h PUBLIC FILE_SET HEADERS FILES\n"
-                 "  NSData.h # data\n  NSText.h)"},
+                 SOURCES + "(P PRIVATE Bytes.h Inner/Buffer.h PUBLIC FILE_SET HEADERS\n"
+                 "  FILES NSData.h # data\n  NSText.h)"},
             "Platform/Values/NSData.h: circle of files: Platform/Values/NSData.h -> "
             "Platform/Values/NSText.h -> Platform/Values/NSData.h")
 
@@ -123,7 +125,7 @@ class CheckLayers(unittest.TestCase):
 
     def test_catches_a_listed_header_that_is_gone(self):
         self.assert_caught(
-            {"RVFoundation/Text/CMakeLists.txt": "target_sources(R PRIVATE Gone.h)"},
+            {"RVFoundation/Text/CMakeLists.txt": SOURCES + "(R PRIVATE Gone.h)"},
             "RVFoundation/Text/Gone.h: is listed in CMakeLists.txt but does not exist")
 
     def test_catches_names_that_say_nothing(self):
@@ -136,8 +138,22 @@ class CheckLayers(unittest.TestCase):
                            "tests/ClockTest.cpp: does not begin with the SPDX line")
 
     def test_catches_a_script_without_its_licence_line(self):
-        self.assert_caught({"scripts/run": "#!/bin/sh\nset -e\n"},
-                           "scripts/run: has no SPDX line below its first")
+        for path in ("scripts/run", ".ci/run", "tests/tools/rvf_test.py"):
+            with self.subTest(path):
+                self.assert_caught({path: "#!/bin/sh\nset -e\n"},
+                                   f"{path}: has no SPDX line among its first two")
+
+    def test_catches_build_files_and_catalogues_without_their_licence_line(self):
+        for path in ("CMakeLists.txt", "cmake/Package.cmake", "cmake/Config.cmake.in",
+                     ".clang-tidy", "docs/Doxyfile", "cmake/library.pc.in", "po/de/Library.po"):
+            with self.subTest(path):
+                self.assert_caught({path: "# What it is for.\n\n" + HASH_LICENCE},
+                                   f"{path}: has no SPDX line among its first two")
+
+    def test_asks_for_no_licence_line_where_a_format_has_no_comments(self):
+        self.assert_caught({"CMakePresets.json": "{}\n", "fuzz/corpus/seed.bin": "#",
+                            "docs/guide/cards.md": "# Cards\n"},
+                           "check-layers: 8 files keep to their layers")
 
 
 if __name__ == "__main__":
