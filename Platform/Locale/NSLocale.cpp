@@ -82,7 +82,8 @@ void forgetCurrentLocale() noexcept {
   changeCount.fetch_add(1, std::memory_order_release);
 }
 
-/// Hears of changes that others announce.
+/// Hears of changes that others announce, ahead of all other observers: they get the new locale
+/// when they ask for it, even those that registered before the locale was first asked for.
 class ChangeListener final : public NSObject {
  public:
   static Class classObject();
@@ -101,7 +102,7 @@ Class ChangeListener::classObject() {
 
 struct CurrentLocale {
   CurrentLocale() {
-    NSNotificationCenter::defaultCenter()->addObserver(
+    NSNotificationCenter::defaultCenter()->addLeadingObserver(
         listener, SEL("currentLocaleDidChange:"), std::string(NSCurrentLocaleDidChangeNotification),
         nullptr);
   }

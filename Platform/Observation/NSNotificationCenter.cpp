@@ -40,6 +40,11 @@ class Receivers final {
   const Method* method_ = nullptr;
 };
 
+void requireObserver(const id& observer, SEL selector) {
+  if (!observer || !selector)
+    NSException::raise(NSInvalidArgumentException, "absent observer or selector");
+}
+
 NSNotificationCenter& centerOf(NSObject& self) {
   return static_cast<NSNotificationCenter&>(self);
 }
@@ -93,10 +98,15 @@ Class NSNotificationCenter::isa() const {
 
 void NSNotificationCenter::addObserver(const id& observer, SEL selector,
                                        const std::optional<std::string>& name, const id& object) {
-  if (!observer || !selector) {
-    NSException::raise(NSInvalidArgumentException, "absent observer or selector");
-  }
+  requireObserver(observer, selector);
   registrations_->add(observer, selector, name, object);
+}
+
+void NSNotificationCenter::addLeadingObserver(const id& observer, SEL selector,
+                                              const std::optional<std::string>& name,
+                                              const id& object) {
+  requireObserver(observer, selector);
+  registrations_->add(observer, selector, name, object, NotificationRegistrations::Place::leading);
 }
 
 void NSNotificationCenter::removeObserver(const id& observer,

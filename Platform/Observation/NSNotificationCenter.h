@@ -44,6 +44,10 @@ class RVF_EXPORT NSNotificationCenter final : public NSObject {
   /// absent observer or null selector raises `NSInvalidArgumentException`.
   void addObserver(const id& observer, SEL selector, const std::optional<std::string>& name,
                    const id& object);
+  /// The same for who keeps what a notification says is out of date: it is told before the others,
+  /// whenever they registered, so that none of them meets what it kept.
+  void addLeadingObserver(const id& observer, SEL selector, const std::optional<std::string>& name,
+                          const id& object);
 
   /// Takes away every registration of the observer that was made for this name and object; an
   /// absent one matches any stored one. Removing nothing is fine.

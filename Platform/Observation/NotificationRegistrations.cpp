@@ -2,9 +2,12 @@
 #include "Platform/Observation/NotificationRegistrations.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace rvf {
 namespace {
+
+constexpr std::uint64_t kLeadingNumber = 0;
 
 bool haveSameOwner(const std::weak_ptr<NSObject>& a, const std::weak_ptr<const NSObject>& b) {
   return !a.owner_before(b) && !b.owner_before(a);
@@ -36,6 +39,14 @@ NotificationRegistrations::List& NotificationRegistrations::Bucket::changeable()
   return *list;
 }
 
+void NotificationRegistrations::Bucket::insert(
+    std::shared_ptr<NotificationRegistration> registration, Place place) {
+  List& all = changeable();
+  const auto isOrdinary = [](const auto& known) { return known->number != kLeadingNumber; };
+  const auto position = place == Place::last ? all.end() : std::ranges::find_if(all, isOrdinary);
+  all.insert(position, std::move(registration));
+}
+
 void NotificationRegistrations::Bucket::noteRemoval() {
   if (++removedCount * 2 < list->size()) return;
   std::erase_if(changeable(),
@@ -44,14 +55,16 @@ void NotificationRegistrations::Bucket::noteRemoval() {
 }
 
 void NotificationRegistrations::add(const id& observer, SEL selector,
-                                    const std::optional<std::string>& name, const id& object) {
+                                    const std::optional<std::string>& name, const id& object,
+                                    Place place) {
   const std::lock_guard lock(mutex_);
   sweepIfDue();
+  const std::uint64_t number = place == Place::leading ? kLeadingNumber : nextNumber_++;
   auto registration =
-      std::make_shared<NotificationRegistration>(count_++, observer, selector, name, object);
+      std::make_shared<NotificationRegistration>(number, observer, selector, name, object);
   byObserver_[observer.get()].push_back(registration);
   Bucket& bucket = name ? named_[*name] : anyNamed_;
-  bucket.changeable().push_back(std::move(registration));
+  bucket.insert(std::move(registration), place);
 }
 
 /// Looks at all when as many have been added as were left the last time: what dies unheard is

@@ -34,7 +34,7 @@ struct NotificationRegistration {
   const std::weak_ptr<NSObject> observer;
   const SEL selector;
   const NSObject* const objectAddress;  // null for any object
-  const std::uint64_t number;           // in the order of registration
+  const std::uint64_t number;           // in the order of registration; 0 of all leading ones
   std::atomic<bool> isRemoved{false};
   const NSObject* const observerAddress;
   const std::weak_ptr<NSObject> object;
@@ -105,8 +105,11 @@ class NotificationRegistrations {
     Rest anyNamed_;
   };
 
+  /// Leading ones stand before all others, among themselves in the order of registration.
+  enum class Place { leading, last };
+
   void add(const id& observer, SEL selector, const std::optional<std::string>& name,
-           const id& object);
+           const id& object, Place place = Place::last);
   void remove(const NSObject& observer, const std::optional<std::string>& name, const id& object);
   /// Takes away those for this or any name that are dead. The others go as new ones are added.
   void removeTheDead(std::string_view name);
@@ -117,6 +120,7 @@ class NotificationRegistrations {
     std::size_t removedCount = 0;
 
     List& changeable();
+    void insert(std::shared_ptr<NotificationRegistration> registration, Place place);
     void noteRemoval();
   };
 
@@ -125,7 +129,7 @@ class NotificationRegistrations {
   void forgetByObserver(const NotificationRegistration& registration);
 
   mutable std::mutex mutex_;
-  std::uint64_t count_ = 0;
+  std::uint64_t nextNumber_ = 1;
   std::size_t addedSinceSweep_ = 0;
   std::size_t keptBySweep_ = 0;
   std::map<std::string, Bucket, std::less<>> named_;

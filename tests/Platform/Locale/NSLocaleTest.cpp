@@ -144,6 +144,21 @@ TEST_F(CurrentLocaleTest, SettingItChoosesForThisProcessAndTellsObservers) {
   EXPECT_TRUE(listener->isPlain());
 }
 
+TEST_F(CurrentLocaleTest, ObserversThatRegisterBeforeItsFirstUseMeetTheNewOne) {
+  const auto listener = LocaleListener::listening();
+  const auto listenerOfAll = std::make_shared<LocaleListener>();
+  NSNotificationCenter::defaultCenter()->addObserver(listenerOfAll, SEL("currentLocaleDidChange:"),
+                                                     std::nullopt, nullptr);
+  choose(box("de_DE"));
+  current();
+  for (const char* locale : {"fr_FR", "it_IT"}) {
+    choose(box(locale));
+    postChange();
+  }
+  EXPECT_EQ(listener->locales(), (std::vector<std::string>{"fr_FR", "it_IT"}));
+  EXPECT_EQ(listenerOfAll->locales(), listener->locales());
+}
+
 TEST_F(CurrentLocaleTest, WhatIsNoUTF8IsRefused) {
   NSLocale::setCurrentLocaleIdentifier("de_AT");
   EXPECT_THROW(NSLocale::setCurrentLocaleIdentifier("\xFF"), NSException);

@@ -155,6 +155,37 @@ TEST_F(NotificationCenter, TheOrderIsThatOfRegistration) {
   EXPECT_THAT(order, ElementsAre(1, 2, 1, 2));
 }
 
+TEST_F(NotificationCenter, LeadingObserversHearBeforeTheOthers) {
+  std::vector<std::string> order;
+  std::vector<Ref<Listener>> listeners;
+  const auto listener = [&](const std::string& name) {
+    listeners.push_back(std::make_shared<Listener>());
+    listeners.back()->action = [&order, name] { order.push_back(name); };
+    return listeners.back();
+  };
+  center->addObserver(listener("any 1"), kHear, std::nullopt, nullptr);
+  center->addObserver(listener("a 1"), kHear, "a", nullptr);
+  center->addLeadingObserver(listener("leading a 1"), kHear, "a", nullptr);
+  center->addObserver(listener("a 2"), kHear, "a", nullptr);
+  center->addLeadingObserver(listener("leading a 2"), kHear, "a", nullptr);
+  center->addObserver(listener("any 2"), kHear, std::nullopt, nullptr);
+  center->postNotificationName("a", nullptr);
+  EXPECT_THAT(order, ElementsAre("leading a 1", "leading a 2", "any 1", "a 1", "a 2", "any 2"));
+}
+
+TEST_F(NotificationCenter, ALeadingObserverIsOneLikeTheOthersOtherwise) {
+  center->addLeadingObserver(first, kHear, std::nullopt, thing);
+  center->postNotificationName("a", thing);
+  center->postNotificationName("a", equalThing);
+  center->removeObserver(first, "a");
+  EXPECT_THAT(first->heard, ElementsAre("a"));
+  center->removeObserver(first);
+  center->postNotificationName("a", thing);
+  EXPECT_THAT(first->heard, ElementsAre("a"));
+  EXPECT_THROW(center->addLeadingObserver(nullptr, kHear, "a", nullptr), NSException);
+  EXPECT_THROW(center->addLeadingObserver(first, SEL(), "a", nullptr), NSException);
+}
+
 TEST_F(NotificationCenter, NothingIsOwned) {
   center->addObserver(first, kHear, "a", thing);
   EXPECT_EQ(first.use_count(), 1);
