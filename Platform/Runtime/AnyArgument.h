@@ -53,6 +53,8 @@ RVF_EXPORT const std::string* textFromAny(const std::any& value);
 RVF_EXPORT id objectFromAny(const std::any& value);
 
 /// A record of plain bytes as a run-time value.
+///
+/// Thread: any, a plain value. Lifetime: owns its bytes and encoding; the type is the compiler's.
 struct RVF_EXPORT RecordValue {
   std::vector<std::byte> bytes;
   std::string encoding;

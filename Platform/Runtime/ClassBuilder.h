@@ -91,6 +91,9 @@ IMP memberImplementation() {
 ///     }
 ///
 /// `T` derives from `NSObject` once (never virtually), because methods cast their receiver to it.
+///
+/// Thread: the one that describes the class, on its stack. Lifetime: what is registered lives as
+/// long as the process.
 template <class T>
 class ClassBuilder final {
  public:

@@ -16,6 +16,8 @@ namespace rvf {
 ///
 /// Classes are no objects here, so this stands in; it describes itself by the name of the class.
 /// Two are equal when they stand for the same class, so that sets of classes are sets of these.
+///
+/// Thread: any; immutable. Lifetime: refers to the class, which lives as long as the process.
 class RVF_EXPORT ClassReceiver final : public NSObject {
  public:
   explicit ClassReceiver(Class receivingClass) : receivingClass_(receivingClass) {}

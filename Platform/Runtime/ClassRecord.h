@@ -15,7 +15,9 @@
 
 namespace rvf {
 
-/// What the runtime keeps of one protocol. Used only under the lock of the runtime's names.
+/// What the runtime keeps of one protocol.
+///
+/// Thread: any, under the lock of the runtime's names. Lifetime: as long as the process.
 class ProtocolRecord final {
  public:
   explicit ProtocolRecord(std::string name) : name_(std::move(name)) {}
@@ -31,6 +33,9 @@ class ProtocolRecord final {
 
 /// A value that many threads read without a lock while one at a time replaces it. Replaced values
 /// stay until the process ends, because a reader may be at them: made for what changes a few times.
+///
+/// Thread: read by any without a lock; replaced by one at a time. Lifetime: replaced values stay
+/// until it goes itself.
 template <class T>
 class Published final {
  public:
@@ -54,6 +59,9 @@ class Published final {
 
 /// What the runtime keeps of one class. Name, superclass, variables and protocols are fixed once
 /// the class is registered; methods and properties may be added.
+///
+/// Thread: any; what changes is guarded or published without a lock. Lifetime: as long as the
+/// process.
 class RVF_EXPORT ClassRecord final {
  public:
   struct Description {

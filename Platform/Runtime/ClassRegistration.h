@@ -14,6 +14,9 @@ namespace rvf {
 /// At load it only links itself into a list; the class is described when it is first used or
 /// when a class is looked up by name. So `classObject()` must look no class up by name itself, and
 /// a library that has classes is never unloaded.
+///
+/// Thread: made at load; read by any. Lifetime: a static object of a library that is never
+/// unloaded.
 class RVF_EXPORT ClassRegistration final {
  public:
   explicit ClassRegistration(Class (*classObject)()) noexcept;

@@ -41,6 +41,8 @@ auto convertedInMessage(const NSObject& receiver, SEL selector, MessagePart part
 /// `NSInvalidArgumentException` where they do not, or where the number of arguments differs; the
 /// reason names the receiver's class and the selector.
 /// Two implementations are equal when they are the same function.
+///
+/// Thread: any, a plain value. Lifetime: the function's, that is as long as the process.
 class RVF_EXPORT IMP final {
  public:
   IMP() noexcept = default;

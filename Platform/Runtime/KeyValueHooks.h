@@ -13,6 +13,8 @@ namespace rvf {
 /// What the root object and key-value coding and observing know of each other. Declared here
 /// because every object answers their messages; defined in the room of observation, which stands
 /// above this one.
+///
+/// Thread: any, as the object that is asked allows. Lifetime: keeps nothing.
 class RVF_EXPORT KeyValueHooks final {
  public:
   /// The messages of coding, observing and binding that every object answers.

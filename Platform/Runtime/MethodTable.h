@@ -20,6 +20,9 @@ namespace rvf {
 ///
 /// `find` may be called by any thread and needs no lock, also while one thread adds; everything
 /// else is done by one thread at a time. Methods stay where they are until the table is destroyed.
+///
+/// Thread: `find` any; everything else one at a time. Lifetime: methods stay where they are until
+/// it is destroyed.
 class RVF_EXPORT MethodTable final {
  public:
   explicit MethodTable(const std::vector<Method>& methods);

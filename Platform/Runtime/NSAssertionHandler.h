@@ -18,6 +18,9 @@ namespace rvf {
 ///
 /// A thread's handler goes with the thread: assertions that the last destructors of a thread report
 /// after that reach a default one.
+///
+/// Thread: one a thread, called on the thread that failed; one set for several must be thread-safe.
+/// Lifetime: owned by the thread, until it is replaced or the thread ends.
 class RVF_EXPORT NSAssertionHandler : public NSObject {
  public:
   /// This thread's handler, made on first use.

@@ -21,6 +21,9 @@ namespace rvf {
 /// its thread ends, or the thread does; handed over by the last destructors of a thread, it lives
 /// no longer than its other references. Objects are released newest first; what their destructors
 /// hand over is released by the same drain. Opening and closing an empty scope costs nanoseconds.
+///
+/// Thread: the one that made it, on its stack. Lifetime: drains when the scope is left; keeps what
+/// was handed over until then.
 class RVF_EXPORT NSAutoreleasePool final {
  public:
   NSAutoreleasePool() noexcept;

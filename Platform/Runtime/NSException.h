@@ -14,6 +14,8 @@ namespace rvf {
 /// contract. Failures that can happen at run time in a correct program are `NSError`s instead.
 ///
 /// Thrown by value and caught by reference; copying one never fails. `what()` is "NAME: REASON".
+///
+/// Thread: any; immutable. Lifetime: copies share the texts, which go with the last.
 class RVF_EXPORT NSException : public std::exception {
  public:
   NSException(std::string_view name, std::string_view reason);

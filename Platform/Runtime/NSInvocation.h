@@ -20,6 +20,8 @@ namespace rvf {
 /// message's own. Unset arguments read as zero. An index past the signature raises
 /// `NSInvalidArgumentException`. Objects and text are kept alive by the invocation; what a pointer
 /// points to is not.
+///
+/// Thread: one at a time. Lifetime: keeps receiver, arguments and result alive.
 class RVF_EXPORT NSInvocation final : public NSObject {
  public:
   /// Raises `NSInvalidArgumentException` if the signature is absent.

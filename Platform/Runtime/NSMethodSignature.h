@@ -12,7 +12,9 @@
 namespace rvf {
 
 /// The result and argument types of a method. Argument 0 is the receiver, 1 the selector, 2 the
-/// first argument of the message's own. Immutable, so safe to share between threads.
+/// first argument of the message's own.
+///
+/// Thread: any; immutable. Lifetime: owns its texts.
 class RVF_EXPORT NSMethodSignature final : public NSObject {
  public:
   /// From a type encoding such as "v@:i" (see `typeEncoding`; `@"Class"` and `B` are read as well):

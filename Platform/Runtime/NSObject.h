@@ -29,8 +29,11 @@ using Class = ClassRecord*;
 /// with `ClassBuilder` and returns it from `isa()`; any other class answers as its nearest
 /// described ancestor.
 ///
-/// Equality and hash are by identity unless a class says otherwise. An object is used by one
-/// thread at a time unless its class says otherwise.
+/// Equality and hash are by identity unless a class says otherwise.
+///
+/// Thread: one at a time, unless the class says otherwise; references themselves may be copied and
+/// dropped on any. Lifetime: until the last `Ref` goes; the destructor runs on the thread that lets
+/// it go.
 class RVF_EXPORT NSObject : public std::enable_shared_from_this<NSObject> {
  public:
   NSObject() = default;

@@ -29,6 +29,9 @@ namespace rvf {
 /// untouched. A target may be a proxy again. Its class has no superclass: "NSProxy" is a root.
 ///
 /// A proxy answers messages (`send`), never C++ calls of the target's own functions.
+///
+/// Thread: as the subclass and its target allow. Lifetime: whether the target is kept is the
+/// subclass's choice.
 class RVF_EXPORT NSProxy : public NSObject {
  public:
   static Class classObject();

@@ -12,6 +12,8 @@ class NSObject;
 /// Marks a method as running on this thread for as long as the mark lives, which is on the stack.
 /// Every call of an `IMP` sets one, so "which implementation is running" has an exact answer that
 /// does not depend on return addresses. A direct C++ call of a member function sets none.
+///
+/// Thread: the one that made it, on its stack. Lifetime: the call that it marks.
 class RVF_EXPORT RunningMethod final {
  public:
   /// Everything named here outlives the mark.

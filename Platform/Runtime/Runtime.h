@@ -20,6 +20,8 @@
 namespace rvf {
 
 /// A property as a class declares it: its name and its attribute string ("Ti,N,V_count").
+///
+/// Thread: any, a plain value. Lifetime: a copy; owns its texts.
 struct Property {
   std::string name;
   std::string attributes;
@@ -27,6 +29,9 @@ struct Property {
 
 /// An instance variable: its name, its type encoding, and how to read and write it (null where
 /// the class describes it without access).
+///
+/// Thread: any, a plain value. Lifetime: a copy; owns its texts. The functions stay as long as the
+/// process.
 struct Ivar {
   std::string name;
   std::string typeEncoding;
@@ -35,6 +40,8 @@ struct Ivar {
 };
 
 /// A method of a class.
+///
+/// Thread: any, a plain value. Lifetime: a copy; selector and function stay as long as the process.
 struct Method {
   SEL selector;
   IMP implementation;

@@ -11,6 +11,8 @@ namespace rvf {
 ///     completion(error);  // may throw
 ///
 /// The action must not throw.
+///
+/// Thread: the one that made it, on its stack. Lifetime: the scope; owns the action.
 template <class Action>
 class ScopeExit final {
  public:

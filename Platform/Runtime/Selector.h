@@ -13,10 +13,11 @@ namespace rvf {
 
 /// An interned message name, written in full with its colons: `SEL("setCount:")`.
 ///
-/// Two selectors of the same text are the same pointer, so comparing costs one comparison.
-/// Making one takes a lock and a look-up: keep selectors that are used often in a `static const`.
-/// Names live as long as the process. Thread-safe. Like every runtime name, the text ends at its
-/// first zero byte.
+/// Two selectors of the same text are the same pointer, so comparing costs one comparison. Making
+/// one takes a lock and a look-up: keep selectors that are used often in a `static const`. Like
+/// every runtime name, the text ends at its first zero byte.
+///
+/// Thread: any; immutable. Lifetime: its name lives as long as the process.
 class RVF_EXPORT SEL final {
  public:
   /// The null selector, which no object answers.

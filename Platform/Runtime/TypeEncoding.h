@@ -48,6 +48,8 @@ concept ObjectArgument =
 
 /// The integer type that stands for every integer, flag and enumeration of one encoding. A flag
 /// is a signed character; plain `char` is one too, whatever its sign on this machine.
+///
+/// Thread: any; it only names a type. Lifetime: without instances.
 template <class T>
 struct EncodedInteger {
   template <class Signed, class Unsigned>

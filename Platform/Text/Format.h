@@ -18,6 +18,9 @@ namespace rvf {
 
 /// One argument of a format, of a kind that is known at run time. Made implicitly; it only refers
 /// to texts, so it lives no longer than the call that it is made for.
+///
+/// Thread: any, a plain value. Lifetime: the call that it is made for: refers to texts, keeps
+/// objects.
 class RVF_EXPORT FormatArgument final {
  public:
   using Value =

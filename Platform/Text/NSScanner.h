@@ -20,6 +20,8 @@ namespace rvf {
 ///
 /// Every scan first passes over the characters to be skipped. It then answers true and moves behind
 /// what it read, or answers false, does not move, and leaves its output as it was.
+///
+/// Thread: one at a time. Lifetime: keeps a copy of the text.
 class RVF_EXPORT NSScanner final : public NSObject {
  public:
   explicit NSScanner(std::string_view text) : text_(text) {}

@@ -26,6 +26,8 @@ RVF_EXPORT void wipeText(std::string& text) noexcept;
 ///
 /// Moving hands the block over and leaves none; there is no copying, so that no copy is made by
 /// accident. Assigning wipes the former text once the new one is in place.
+///
+/// Thread: one at a time. Lifetime: owns its bytes and wipes them; views of it end with the text.
 class RVF_EXPORT SecretText final {
  public:
   SecretText() noexcept = default;

@@ -59,6 +59,8 @@ RVF_EXPORT std::vector<std::string_view> splitText(std::string_view text,
 ///     while (const auto piece = pieces.next()) { … }
 ///
 /// The separator is an ASCII character. The text must stay as it is meanwhile.
+///
+/// Thread: one at a time. Lifetime: refers to the text, which the caller keeps.
 class RVF_EXPORT TextPieces final {
  public:
   TextPieces(std::string_view text, char separator) noexcept : rest_(text), separator_(separator) {}

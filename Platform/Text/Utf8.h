@@ -9,6 +9,8 @@
 namespace rvf {
 
 /// One step through UTF-8 text: a character, or one byte that belongs to none.
+///
+/// Thread: any, a plain value. Lifetime: refers to nothing.
 struct Utf8Unit {
   char32_t codePoint;  ///< U+FFFD for a byte that belongs to no character
   std::size_t length;  ///< bytes, 1 to 4

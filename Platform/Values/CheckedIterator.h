@@ -14,7 +14,9 @@ namespace rvf {
 
 /// Walks a collection that may be mutable and raises `NSGenericException` at the first step after
 /// it was changed, before it touches anything. Elements are handed out by value, so they outlive a
-/// change. The collection must outlive the walk.
+/// change.
+///
+/// Thread: that of the collection. Lifetime: refers to the collection, which must outlive it.
 template <class Position>
 class CheckedIterator {
  public:

@@ -16,6 +16,8 @@ inline constexpr std::size_t NSNotFound = ~std::size_t{0} >> 1;
 /// An ordered list of objects, none of them absent (that raises `NSInvalidArgumentException`).
 /// Immutable, so safe to share between threads and to iterate while callbacks run; but what is
 /// passed around as an array may be an `NSMutableArray`. `copyOfObject` makes sure.
+///
+/// Thread: any, if it is no mutable one. Lifetime: keeps its objects.
 class RVF_EXPORT NSArray : public NSObject {
  public:
   NSArray() = default;

@@ -14,6 +14,8 @@ namespace rvf {
 
 /// Text with attributes (font, colour, …) over its whole length. Immutable, so safe to share
 /// between threads: mutable attributes are copied.
+///
+/// Thread: any; immutable. Lifetime: owns text and attributes.
 class RVF_EXPORT NSAttributedString final : public NSObject {
  public:
   /// Absent attributes are none. Raises `NSInvalidArgumentException` for absent text.

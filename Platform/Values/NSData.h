@@ -12,8 +12,10 @@
 
 namespace rvf {
 
-/// A block of bytes. Immutable and shared, so passing one on never copies it; safe to share
-/// between threads. Equality is by content.
+/// A block of bytes. Immutable and shared, so passing one on never copies it. Equality is by
+/// content.
+///
+/// Thread: any; immutable. Lifetime: owns its bytes; spans of them end with it.
 class RVF_EXPORT NSData final : public NSObject {
  public:
   /// Takes the bytes over.

@@ -10,7 +10,10 @@
 namespace rvf {
 
 /// A moment: seconds since the reference date, 2001-01-01 00:00 UTC, negative before it. Leap
-/// seconds are not counted (POSIX time). Immutable, so safe to share between threads.
+/// seconds are not counted (POSIX time).
+///
+/// Thread: any; immutable. The clock may be asked on any thread. Lifetime: a replaced clock goes
+/// when nobody is asking it any more.
 class RVF_EXPORT NSDate final : public NSObject {
  public:
   /// Answers seconds since the reference date. Called on any thread.

@@ -22,6 +22,8 @@ namespace rvf {
 /// `NSInvalidArgumentException`). In no defined order. Keys must keep their value while they are
 /// in it. Immutable, so safe to share between threads; but what is passed around as a dictionary
 /// may be an `NSMutableDictionary`. `copyOfObject` makes sure.
+///
+/// Thread: any, if it is no mutable one. Lifetime: keeps its keys and values.
 class RVF_EXPORT NSDictionary : public NSObject {
  public:
   using Entries = std::unordered_map<id, id, ObjectHash, ObjectEqual>;

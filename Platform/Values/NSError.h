@@ -27,6 +27,8 @@ inline constexpr std::string_view NSCocoaErrorDomain = "NSCocoaErrorDomain";
 ///
 /// Operations that can fail take `Ref<NSError>* error = nullptr` as their last argument and write
 /// it only on failure and only when it was given.
+///
+/// Thread: any; immutable. Lifetime: keeps its user info, and so the error beneath.
 class RVF_EXPORT NSError final : public NSObject {
  public:
   NSError(std::string_view domain, long code, const Ref<NSDictionary>& userInfo = nullptr);

@@ -8,9 +8,10 @@
 
 namespace rvf {
 
-/// An array that can change. Used by one thread at a time. Iterate a `copy()` where what is called
-/// might change it. Removed objects are released when the change is complete, so their destructors
-/// may use the array.
+/// An array that can change. Iterate a `copy()` where what is called might change it. Removed
+/// objects are released when the change is complete, so their destructors may use the array.
+///
+/// Thread: one at a time. Lifetime: keeps its objects while they are in it.
 class RVF_EXPORT NSMutableArray final : public NSArray {
  public:
   using NSArray::NSArray;

@@ -8,9 +8,10 @@
 
 namespace rvf {
 
-/// A dictionary that can change. Used by one thread at a time. Iterate a `copy()` where what is
-/// called might change it. Removed objects are released when the change is complete, so their
-/// destructors may use the dictionary.
+/// A dictionary that can change. Iterate a `copy()` where what is called might change it. Removed
+/// objects are released when the change is complete, so their destructors may use the dictionary.
+///
+/// Thread: one at a time. Lifetime: keeps keys and values while they are in it.
 class RVF_EXPORT NSMutableDictionary final : public NSDictionary {
  public:
   using NSDictionary::NSDictionary;

@@ -7,6 +7,8 @@
 namespace rvf {
 
 /// Stands for "absent" where a collection needs an object. There is one.
+///
+/// Thread: any; immutable. Lifetime: as long as the process.
 class RVF_EXPORT NSNull final : public NSObject {
  public:
   static Ref<NSNull> null();

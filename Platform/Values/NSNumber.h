@@ -19,11 +19,13 @@ template <class T>
 concept NumberValue = std::is_arithmetic_v<T> && !std::same_as<T, long double>;
 
 /// A number as an object. It remembers the type code that it was made with (`c` for flags,
-/// `s S i I q Q f d`), prints accordingly and compares by value: 1, 1.0 and true are equal and
-/// hash alike, integers beyond 2^53 that differ are not. Immutable.
+/// `s S i I q Q f d`), prints accordingly and compares by value: 1, 1.0 and true are equal and hash
+/// alike, integers beyond 2^53 that differ are not.
 ///
 /// Integer readings of an integer wrap like a C cast; readings of a fraction truncate toward zero
 /// and saturate when out of range, NaN reads as 0.
+///
+/// Thread: any; immutable. Lifetime: refers to nothing.
 class RVF_EXPORT NSNumber : public NSValue {
  public:
   template <NumberValue T>

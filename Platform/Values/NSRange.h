@@ -6,6 +6,8 @@
 namespace rvf {
 
 /// A run of numbered things. Where there is none, both fields are `NSNotFound`.
+///
+/// Thread: any, a plain value. Lifetime: refers to nothing.
 struct NSRange {
   std::size_t location;
   std::size_t length;

@@ -13,8 +13,10 @@
 namespace rvf {
 
 /// A set of objects, equal ones once, none of them absent (that raises
-/// `NSInvalidArgumentException`). In no defined order. Immutable. Objects must keep their value
-/// while they are in it.
+/// `NSInvalidArgumentException`). In no defined order. Objects must keep their value while they are
+/// in it.
+///
+/// Thread: any; immutable. Lifetime: keeps its objects.
 class RVF_EXPORT NSSet final : public NSObject {
  public:
   using Objects = std::unordered_set<id, ObjectHash, ObjectEqual>;

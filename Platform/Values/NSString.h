@@ -15,8 +15,10 @@ namespace rvf {
 /// Text as an object, for dictionaries, arrays and everything else that holds objects. Typed
 /// interfaces take `std::string_view` and return `std::string` instead.
 ///
-/// Immutable UTF-8, so safe to share between threads. Embedded zero bytes and bytes that are no
-/// valid UTF-8 are kept as they are. Equality is literal: byte for byte, no normalization.
+/// Immutable UTF-8. Embedded zero bytes and bytes that are no valid UTF-8 are kept as they are.
+/// Equality is literal: byte for byte, no normalization.
+///
+/// Thread: any; immutable. Lifetime: owns its text; views of it end with it.
 class RVF_EXPORT NSString final : public NSObject {
  public:
   explicit NSString(std::string text) : text_(std::move(text)) {}

@@ -16,10 +16,13 @@
 
 namespace rvf {
 
-/// A record of plain bytes, or a reference that does not own, as an object. Immutable.
+/// A record of plain bytes, or a reference that does not own, as an object.
 ///
 /// Two boxed records are equal when their type encodings and bytes are; two non-owning references
 /// are equal exactly when they refer to the same object.
+///
+/// Thread: any; immutable. Lifetime: owns a record's bytes; an object it refers to without owning
+/// may go, and then reads as absent.
 class RVF_EXPORT NSValue : public NSObject {
  public:
   NSValue(std::span<const std::byte> bytes, std::string_view objCType);

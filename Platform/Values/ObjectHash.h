@@ -13,6 +13,8 @@ namespace rvf {
 
 /// Hash and equality of objects by value, for hashed containers. A text finds the string object of
 /// the same text, so that looking an entry up by text makes no object.
+///
+/// Thread: any, as the objects allow; without state. Lifetime: keeps nothing.
 struct ObjectHash {
   using is_transparent = void;
   std::size_t operator()(const id& object) const { return object ? object->hash() : 0; }
@@ -20,6 +22,9 @@ struct ObjectHash {
     return std::hash<std::string_view>()(text);
   }
 };
+/// Equality beside `ObjectHash`.
+///
+/// Thread: any, as the objects allow; without state. Lifetime: keeps nothing.
 struct ObjectEqual {
   using is_transparent = void;
   bool operator()(const id& a, const id& b) const { return objectsAreEqual(a, b); }
