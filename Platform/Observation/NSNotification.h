@@ -11,7 +11,10 @@
 namespace rvf {
 
 /// What the observers of a notification center are handed: a name, whom it is about, and what else
-/// there is to say. Immutable; owns what it refers to.
+/// there is to say.
+///
+/// Thread: any; immutable, its object and user info by their own rules. Lifetime: keeps object and
+/// user info.
 class RVF_EXPORT NSNotification final : public NSObject {
  public:
   NSNotification(std::string_view name, id object, Ref<NSDictionary> userInfo);

@@ -28,7 +28,10 @@ class NotificationRegistrations;
 ///
 /// During a delivery anybody may register, remove, post and die: what is removed before its turn is
 /// not told, what is registered waits for the next post. An exception of an observer comes out of
-/// the post, and the later observers are not told. Thread-safe.
+/// the post, and the later observers are not told.
+///
+/// Thread: any; observers are called on the thread that posts, outside of every lock. Lifetime:
+/// observers and objects are not kept and may go at any time, also during a delivery.
 class RVF_EXPORT NSNotificationCenter final : public NSObject {
  public:
   NSNotificationCenter();

@@ -12,7 +12,10 @@ namespace rvf {
 /// runs its loop in one of the common modes. A block that runs the loop again is not overtaken:
 /// the next block waits until it has returned. Nothing takes a block back.
 ///
-/// All operations may be called by any thread. None runs a block within the call.
+/// None runs a block within the call.
+///
+/// Thread: any. Lifetime: keeps blocks until they have run; what has not run when the process exits
+/// never does.
 class RVF_EXPORT MainQueue final {
  public:
   using Block = std::function<void()>;

@@ -19,6 +19,9 @@ namespace rvf {
 ///     clock->runLoopFor(*loop, std::chrono::seconds(10));
 ///
 /// A loop that is waiting notices a change at its next turn; wake it if that must be at once.
+///
+/// Thread: the clock any; `runLoopFor` that of the loop. Lifetime: shared with the loops that read
+/// it.
 class RVF_EXPORT ManualRunLoopClock final : public RunLoopClock {
  public:
   /// Starts at an arbitrary time.

@@ -10,7 +10,8 @@
 namespace rvf {
 
 /// A callback without arguments as an object, so that it can travel as the argument of a message.
-/// Immutable.
+///
+/// Thread: any, as far as the block is; immutable. Lifetime: owns the block.
 class RVF_EXPORT NSBlock final : public NSObject {
  public:
   using Block = std::function<void()>;

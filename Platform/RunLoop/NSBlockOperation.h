@@ -9,6 +9,9 @@
 namespace rvf {
 
 /// An operation whose work is a block.
+///
+/// Thread: as `NSOperation`; the block runs on the thread that starts it. Lifetime: owns the block
+/// until it is called.
 class RVF_EXPORT NSBlockOperation final : public NSOperation {
  public:
   using Block = std::function<void()>;

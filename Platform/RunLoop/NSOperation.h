@@ -25,6 +25,9 @@ namespace rvf {
 /// that overrides `isFinished` or `isReady`, though, announcements are all that others go by: such
 /// an operation must not be announced to be finished on one thread while it gets its first
 /// dependent on another, nor to be ready while it is added to a queue.
+///
+/// Thread: any, within the limits above; overrides run on the thread that starts it. Lifetime: kept
+/// by its queue until it is finished, and by those that depend on it.
 class RVF_EXPORT NSOperation : public NSObject {
  public:
   NSOperation();

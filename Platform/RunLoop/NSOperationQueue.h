@@ -33,7 +33,9 @@ inline constexpr long NSOperationQueueDefaultMaxConcurrentOperationCount = -1;
 /// exception of `start` leaves the run call; an operation that it leaves neither executing nor
 /// finished is dropped from the queue, and those that depend on it go on waiting.
 ///
-/// A queue may go before its operations: they are started all the same. Thread-safe.
+/// A queue may go before its operations: they are started all the same.
+///
+/// Thread: any. Lifetime: keeps operations until they are finished; may go before them.
 class RVF_EXPORT NSOperationQueue final : public NSObject {
  public:
   NSOperationQueue();

@@ -23,8 +23,10 @@ inline constexpr std::string_view NSRunLoopCommonModes = "kCFRunLoopCommonModes"
 using RunLoopModes = std::vector<std::string>;
 
 /// A running timer or descriptor watch. Destroying it ends it: its block is not called any more,
-/// also when it is destroyed while a turn is under way or inside the block itself. Destroyed by
-/// the thread of its loop only.
+/// also when it is destroyed while a turn is under way or inside the block itself.
+///
+/// Thread: that of its loop, also for destroying it. Lifetime: owned by whoever scheduled it; may
+/// be destroyed in its own block.
 class RVF_EXPORT RunLoopSource {
  public:
   RunLoopSource() = default;
@@ -35,6 +37,8 @@ class RVF_EXPORT RunLoopSource {
 
 /// What a descriptor is watched for, and what it was found ready for. A hang-up or an error is
 /// always reported, whatever was asked for.
+///
+/// Thread: any, a plain value. Lifetime: refers to nothing.
 struct DescriptorEvents {
   bool readable = false;
   bool writable = false;
@@ -55,8 +59,9 @@ struct DescriptorEvents {
 /// thread run in the order posted; timers of equal time run in the order scheduled; no order is
 /// promised between the two kinds.
 ///
-/// Thread-safe are only `performInModes`, `stop` and `wakeUp`; the rest belongs to the loop's
-/// thread.
+/// Thread: its own; any may call `performInModes`, `performBlock`, `stop`, `wakeUp` and `clock`.
+/// Lifetime: closed when its thread ends. What waits then, or is posted later to a loop that
+/// somebody still holds, is dropped unrun.
 class RVF_EXPORT NSRunLoop final : public NSObject {
  public:
   using Block = std::function<void()>;

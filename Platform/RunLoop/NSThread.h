@@ -20,7 +20,8 @@ class NSRunLoop;
 /// for itself or its run loop. There is one object for each thread, so threads are compared by
 /// identity. It may outlive its thread, and then tells so.
 ///
-/// Thread-safe.
+/// Thread: any. Lifetime: may be held after the thread has ended; the thread keeps itself while it
+/// runs.
 class RVF_EXPORT NSThread final : public NSObject {
  public:
   using Block = std::function<void()>;

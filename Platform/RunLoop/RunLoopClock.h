@@ -9,7 +9,9 @@
 namespace rvf {
 
 /// Where a run loop reads the time that its delays and limits are measured on. Time never goes
-/// back. Thread-safe.
+/// back.
+///
+/// Thread: any; implementations are thread-safe. Lifetime: shared with the loops that read it.
 class RVF_EXPORT RunLoopClock {
  public:
   using TimePoint = std::chrono::steady_clock::time_point;

@@ -33,6 +33,9 @@ namespace rvf {
 ///
 /// A key is used once an object; a coder that writes has no `decode…`, one that reads no `encode…`:
 /// that raises the unrecognized-selector exception.
+///
+/// Thread: one at a time, that of the call that codes. Lifetime: of use to an object only during
+/// its own coding call.
 class RVF_EXPORT NSCoder : public NSObject {
  public:
   static Class classObject();

@@ -17,7 +17,8 @@ inline constexpr std::string_view NSFileHandleOperationException = "NSFileHandle
 ///     const auto handle = NSFileHandle::initWithFileDescriptor(descriptor, true);
 ///     const Ref<NSData> head = handle->readDataOfLength(512);
 ///
-/// Used by one thread at a time.
+/// Thread: one at a time. Lifetime: closes the descriptor if it owns it; else the caller keeps that
+/// open meanwhile.
 class RVF_EXPORT NSFileHandle final : public NSObject {
  public:
   /// The descriptor stays the caller's, who closes it.

@@ -14,6 +14,9 @@ namespace rvf {
 class NSKeyedArchiver;
 
 /// What an archiver asks its delegate, on the thread and within the call that encodes.
+///
+/// Thread: that of the call that encodes. Lifetime: not owned by the archiver; one that is gone is
+/// not asked.
 class RVF_EXPORT NSKeyedArchiverDelegate {
  public:
   virtual ~NSKeyedArchiverDelegate();
@@ -42,7 +45,8 @@ class RVF_EXPORT NSKeyedArchiverDelegate {
 /// encoded, or anything is encoded after the end.
 /// A text that is not UTF-8 raises it at the end.
 ///
-/// Used by one thread at a time, and held by a `Ref`.
+/// Thread: one at a time; held by a `Ref`. Lifetime: keeps the objects it was given until it goes;
+/// the delegate is not owned.
 class RVF_EXPORT NSKeyedArchiver final : public NSCoder {
  public:
   /// An archive with this object under "root".

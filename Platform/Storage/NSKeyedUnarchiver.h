@@ -31,7 +31,7 @@ inline constexpr long NSCoderReadCorruptError = 4864;
 /// What the call that failed made by then goes, but for objects that own one another in a circle.
 /// What earlier calls answered stays as it is.
 ///
-/// Used by one thread at a time, and held by a `Ref`.
+/// Thread: one at a time; held by a `Ref`. Lifetime: keeps the objects it made until it goes.
 class RVF_EXPORT NSKeyedUnarchiver final : public NSCoder {
  public:
   /// The object under "root". Absent, without error, if that is what was archived. An `NSException`

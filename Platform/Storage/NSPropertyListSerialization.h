@@ -36,7 +36,7 @@ inline constexpr long NSPropertyListWriteInvalidError = 3851;
 /// several times is one object; lists that would come to more than 64 MB, and 64 times the file, if
 /// it were not, are neither read nor written, in XML neither. References of an archive are refused.
 ///
-/// Thread-safe.
+/// Thread: any; without state. Lifetime: what is read belongs to the caller.
 class RVF_EXPORT NSPropertyListSerialization final : public NSObject {
  public:
   NSPropertyListSerialization() = delete;

@@ -45,6 +45,9 @@ class DefaultsStore;
 /// `performExclusively`.
 ///
 /// A subclass may keep its values elsewhere: every operation is virtual.
+///
+/// Thread: any. Lifetime: the standard ones live as long as the process; values that were read stay
+/// as they are.
 class RVF_EXPORT NSUserDefaults : public NSObject {
  public:
   /// Those of the running application, shared. Named after the program's file unless
@@ -125,6 +128,9 @@ class RVF_EXPORT NSUserDefaults : public NSObject {
 
 /// Says how a stored text becomes a URL. One static object beside the class of URLs does it,
 /// because that stands on a higher floor.
+///
+/// Thread: made at load; read by any. Lifetime: a static object of a library that is never
+/// unloaded.
 class RVF_EXPORT StoredURLRegistration final {
  public:
   explicit StoredURLRegistration(id (*urlOfText)(std::string_view text)) noexcept;
