@@ -18,11 +18,13 @@ inline constexpr std::string_view kCFBundleNameKey = "CFBundleName";
 inline constexpr std::string_view kCFBundleVersionKey = "CFBundleVersion";
 
 /// What a program or a library brings along beside its code: facts about itself and the
-/// translations of its texts, in string tables. Thread-safe.
+/// translations of its texts, in string tables.
 ///
 /// A table is a gettext text domain of the same name. Its catalogues are looked for, for the
 /// current `NSLocale`, as LOCALE/LC_MESSAGES/TABLE.mo in the bundle's catalogue folder, if it has
 /// one, then in the one that was installed with this library.
+///
+/// Thread: any. Lifetime: catalogues that were read are kept for one locale at a time.
 class RVF_EXPORT NSBundle final : public NSObject {
  public:
   /// `defaultTable` is the table that is meant where none is named.
@@ -58,6 +60,9 @@ class RVF_EXPORT NSBundle final : public NSObject {
 
 /// Says that the classes whose names begin with a prefix belong to a library's bundle. One static
 /// object in the library does it; at load it only links itself into a list.
+///
+/// Thread: made at load; read by any. Lifetime: a static object of a library that is never
+/// unloaded.
 class RVF_EXPORT NSBundleRegistration final {
  public:
   NSBundleRegistration(const char* classNamePrefix, Ref<NSBundle> (*bundle)()) noexcept;

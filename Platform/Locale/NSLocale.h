@@ -19,13 +19,15 @@ inline constexpr std::string_view NSCurrentLocaleDidChangeNotification =
     "NSCurrentLocaleDidChangeNotification";
 
 /// A language with a country, known by an identifier such as "de_AT" or "zh_Hant_TW" (Unicode
-/// technical standard 35; "-" separates as well as "_"). Immutable, so safe to share between
-/// threads.
+/// technical standard 35; "-" separates as well as "_").
 ///
 /// The current locale is the one that the standard user defaults name under "AppleLocale", else the
 /// process environment's message locale. It is kept until `NSCurrentLocaleDidChangeNotification` is
 /// posted, so who changes the defaults posts that. The C library's process-wide locale is neither
 /// read nor changed.
+///
+/// Thread: any; immutable. The current one may be asked for and changed on any thread. Lifetime:
+/// owns its identifier.
 class RVF_EXPORT NSLocale final : public NSObject {
  public:
   explicit NSLocale(std::string_view localeIdentifier);

@@ -12,11 +12,12 @@ namespace rvf {
 
 /// Finds the words of a text one after the other, by the rules of a locale (Unicode annex 29 and
 /// its dictionaries). Numbers and symbols in words are kept together ("3.14", "don't"); white
-/// space, punctuation and bytes that belong to no character are between the words. One thread at a
-/// time.
+/// space, punctuation and bytes that belong to no character are between the words.
 ///
 ///     if (auto tokenizer = WordTokenizer::create(text, NSLocale::currentLocale()))
 ///       while (const auto word = tokenizer->nextWord()) { … }
+///
+/// Thread: one at a time. Lifetime: refers to the text, which the caller keeps; so do the words.
 class RVF_EXPORT WordTokenizer final {
  public:
   /// `text` must stay as it is meanwhile. Absent for an absent locale, a text of 2 GB or more, and

@@ -32,10 +32,12 @@ enum NSCalculationError : unsigned char {
 inline constexpr int NSDecimalNoScale = SHRT_MAX;
 
 /// A decimal number: a sign, a mantissa of at most 38 decimal digits and an exponent of ten from
-/// -128 to 127, or NaN. A plain value; `NSDecimalNumber` is its object form.
+/// -128 to 127, or NaN. `NSDecimalNumber` is its object form.
 ///
 /// Kept with the shortest mantissa, so equal numbers are equal member by member. There is one zero,
 /// without sign. NaN equals itself and orders below every number.
+///
+/// Thread: any, a plain value. Lifetime: refers to nothing.
 class RVF_EXPORT NSDecimal final {
  public:
   __extension__ using Mantissa = unsigned __int128;
@@ -91,6 +93,8 @@ class RVF_EXPORT NSDecimal final {
 };
 
 /// The result of a calculation, and whether it is exact.
+///
+/// Thread: any, a plain value. Lifetime: refers to nothing.
 struct NSDecimalResult {
   NSDecimal value;
   NSCalculationError error = NSCalculationNoError;

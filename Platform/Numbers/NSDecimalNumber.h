@@ -15,12 +15,14 @@
 namespace rvf {
 
 /// A decimal number as an object: money and quantities, without binary fractions anywhere on the
-/// way. Immutable, so safe to share between threads.
+/// way.
 ///
 /// Equality, order and hash are by value, with numbers of other kinds too: 1.50 equals 1.5, and 2
 /// made from a text equals 2 made from an integer. A double counts as the shortest decimal that
 /// reads back to it. Its type code is `d`. Integer readings truncate toward zero, then wrap like a
 /// C cast; what 64 bits do not hold saturates.
+///
+/// Thread: any; immutable. Lifetime: refers to nothing.
 class RVF_EXPORT NSDecimalNumber final : public NSNumber {
  public:
   explicit NSDecimalNumber(const NSDecimal& value);

@@ -19,7 +19,9 @@ inline constexpr std::string_view NSDecimalNumberDivideByZeroException =
     "NSDecimalNumberDivideByZeroException";
 
 /// How a calculation with decimal numbers rounds, and which of its errors raise. Errors that do not
-/// raise give what `NSCalculationError` says. Immutable, so safe to share between threads.
+/// raise give what `NSCalculationError` says.
+///
+/// Thread: any; immutable. Lifetime: refers to nothing.
 class RVF_EXPORT NSDecimalNumberHandler final : public NSObject {
  public:
   NSDecimalNumberHandler(NSRoundingMode roundingMode, int scale, bool raiseOnExactness,

@@ -14,6 +14,9 @@ namespace rvf {
 
 /// Turns values into text for users, and maybe text back into values. Abstract: a formatter defines
 /// what it can do, everything else raises `NSInvalidArgumentException`.
+///
+/// Thread: one at a time, unless the formatter says otherwise. Lifetime: keeps neither values nor
+/// texts.
 class RVF_EXPORT NSFormatter : public NSObject {
  public:
   static Class classObject();

@@ -50,6 +50,9 @@ inline constexpr long NSFormattingError = 2048;
 /// In a pattern "#" is an optional digit, "0" a required one, and unquoted "," "." "-" and "¤"
 /// stand for the locale's own; every other character is itself. The pattern's decimals win over
 /// those that the currency usually has.
+///
+/// Thread: one at a time, reading and writing included: it keeps what it prepared. Lifetime: keeps
+/// its locale.
 class RVF_EXPORT NSNumberFormatter : public NSFormatter {
  public:
   NSNumberFormatter();

@@ -46,6 +46,8 @@ enum NSComparisonPredicateModifier : unsigned {
 };
 
 /// What a comparison does besides its two sides.
+///
+/// Thread: any, a plain value. Lifetime: refers to nothing.
 struct NSComparisonOperation {
   NSPredicateOperatorType type = NSEqualToPredicateOperatorType;
   unsigned options = 0;  ///< of `NSComparisonPredicateOptions`
@@ -78,6 +80,9 @@ class PreparedTextTest;
 ///
 /// Raises `NSInvalidArgumentException` where a side is of a kind that the operator does not take,
 /// for a malformed regular expression and one that needs more than its share of memory.
+///
+/// Thread: any, as far as its constants and blocks are; immutable. Lifetime: keeps both
+/// expressions.
 class RVF_EXPORT NSComparisonPredicate : public NSPredicate {
  public:
   /// `options` is a sum of `NSComparisonPredicateOptions`. Raises `NSInvalidArgumentException` for

@@ -17,6 +17,8 @@ enum NSCompoundPredicateType : unsigned {
 
 /// Predicates joined by AND, OR or NOT. They are evaluated in order and only as far as needed. An
 /// AND of none is true, an OR of none false. Two are equal when type and parts are.
+///
+/// Thread: any, as far as its parts are; immutable. Lifetime: keeps its parts.
 class RVF_EXPORT NSCompoundPredicate : public NSPredicate {
  public:
   /// Raises `NSInvalidArgumentException` for an absent array, an element that is no predicate, a

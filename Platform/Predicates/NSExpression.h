@@ -30,6 +30,9 @@ enum NSExpressionType : unsigned {
 /// Immutable, so safe to share between threads as far as its constants and blocks are. Two are
 /// equal when they are of one kind and their parts are equal; blocks are equal to themselves only.
 /// `description` is the text that a format would have.
+///
+/// Thread: any, as far as its constants and blocks are; immutable. Lifetime: keeps constants,
+/// elements and block.
 class RVF_EXPORT NSExpression final : public NSObject {
  public:
   /// Answers a value, or absent. It gets the evaluated object, the values of the arguments

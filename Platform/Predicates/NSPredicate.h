@@ -43,6 +43,9 @@ namespace rvf {
 /// Values are compared as `NSComparisonPredicate` says. Predicates are immutable, so safe to share
 /// between threads as far as their constants and blocks are. They nest at most 1,000 deep; making
 /// a deeper one raises `NSInvalidArgumentException`.
+///
+/// Thread: any, as far as constants and blocks are; immutable. Lifetime: keeps what was given as
+/// argument, and nothing of what is evaluated.
 class RVF_EXPORT NSPredicate : public NSObject {
  public:
   /// Gets the object, which may be absent, and the variables of the evaluation, which may be.

@@ -13,6 +13,8 @@ namespace rvf {
 
 /// A text that is no predicate: an `NSInvalidArgumentException` with the reason "Unable to parse
 /// the format string "…"", which also knows what is wrong and where.
+///
+/// Thread: any; immutable. Lifetime: copies share the texts, which go with the last.
 class RVF_EXPORT PredicateFormatException final : public NSException {
  public:
   PredicateFormatException(std::string_view format, std::size_t byteOffset,

@@ -54,7 +54,7 @@ constexpr NSCalendarUnit operator|(NSCalendarUnit a, NSCalendarUnit b) noexcept 
 ///
 /// Dates more than 600,000 years away, or at no finite distance, count as absent ones.
 ///
-/// Used by one thread at a time.
+/// Thread: one at a time. Lifetime: keeps its time zone.
 class RVF_EXPORT NSCalendar final : public NSObject {
  public:
   /// A new calendar in the default time zone, whose weeks begin on Sunday; absent for an identifier

@@ -19,7 +19,9 @@ inline constexpr long NSDateComponentUndefined = std::numeric_limits<long>::max(
 ///     calendar->dateByAddingComponents(components, today);
 ///
 /// Nothing is set in a new one, and nothing is checked: day 0 is the day before the first, month 13
-/// the first month of the next year. Used by one thread at a time.
+/// the first month of the next year.
+///
+/// Thread: one at a time. Lifetime: refers to nothing.
 class RVF_EXPORT NSDateComponents final : public NSObject {
  public:
   static Class classObject();

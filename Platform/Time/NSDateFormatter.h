@@ -22,6 +22,9 @@ namespace rvf {
 ///     formatter->stringFromDate(date);   // "Freitag, 1. März 2024" in Germany
 ///
 /// Reading is strict: a text is read only if writing its date gives the same text again.
+///
+/// Thread: one at a time, reading and writing included: it keeps what it prepared. Lifetime: keeps
+/// its locale and time zone.
 class RVF_EXPORT NSDateFormatter : public NSFormatter {
  public:
   NSDateFormatter();

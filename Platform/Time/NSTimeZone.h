@@ -12,8 +12,9 @@
 namespace rvf {
 
 /// A time zone, known by its name in the IANA database ("Europe/Berlin") or by its distance from
-/// UTC
-/// ("GMT+05:30"). Immutable, so safe to share between threads.
+/// UTC ("GMT+05:30").
+///
+/// Thread: any; immutable. Lifetime: refers to nothing.
 class RVF_EXPORT NSTimeZone final : public NSObject {
  public:
   /// Absent if no zone has this name.
