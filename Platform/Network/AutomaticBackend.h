@@ -27,6 +27,9 @@ class DaemonProbe;
 ///   speaking would make every registration leave and come twice.
 /// Back ends live as long as their thread has activities, so the question is asked anew when all
 /// of them have ended.
+///
+/// Thread: that of its activities. Lifetime: who starts activities keeps it as long as they last;
+/// owns the back end that it chose.
 class RVF_EXPORT AutomaticBackend final : public ServiceDiscoveryBackend {
  public:
   using Factory = std::function<std::unique_ptr<ServiceDiscoveryBackend>()>;

@@ -19,6 +19,9 @@ namespace rvf {
 /// does not run is never started.
 ///
 /// The address of the bus must not be a "tcp:" one: looking its host up could block.
+///
+/// Thread: that of its activities. Lifetime: activities share the connection, which ends with the
+/// last of them.
 class RVF_EXPORT AvahiDaemonBackend final : public ServiceDiscoveryBackend {
  public:
   std::unique_ptr<DiscoveryActivity> browse(const std::string& type, const std::string& domain,

@@ -34,12 +34,19 @@ enum CFSocketError : long { kCFSocketSuccess = 0, kCFSocketError = -1 };
 using CFSocketCallBack = void (*)(const Ref<CFSocket>& socket, CFSocketCallBackType type,
                                   const Ref<NSData>& address, const void* data, void* info);
 
+/// What a socket hands to its callout.
+///
+/// Thread: any, a plain value. Lifetime: what `info` points to is the caller's, and must live as
+/// long as the socket is valid.
 struct CFSocketContext {
   long version = 0;      ///< the only one
   void* info = nullptr;  ///< handed to the callout; not owned
 };
 
-/// A socket and, while it is valid, its descriptor, which ends with it. Belongs to one thread.
+/// A socket and, while it is valid, its descriptor, which ends with it.
+///
+/// Thread: one, that of its run loop. Lifetime: owns the descriptor until it is invalidated or let
+/// go; may be let go in its callout.
 class RVF_EXPORT CFSocket final : public NSObject {
  public:
   ~CFSocket() override;
@@ -75,6 +82,8 @@ class RVF_EXPORT CFSocket final : public NSObject {
 };
 
 /// A socket as something that can be added to a run loop.
+///
+/// Thread: that of the run loop. Lifetime: keeps the socket; the run loop keeps neither.
 class RVF_EXPORT CFRunLoopSource final : public NSObject {
  public:
   explicit CFRunLoopSource(Ref<CFSocket> socket);

@@ -10,6 +10,8 @@
 namespace rvf {
 
 /// A request that can change.
+///
+/// Thread: one at a time. Lifetime: keeps URL and body.
 class RVF_EXPORT NSMutableURLRequest final : public NSURLRequest {
  public:
   using NSURLRequest::NSURLRequest;

@@ -20,6 +20,9 @@ class NSNetService;
 /// What a service tells its delegate, on the run loop of the thread that started the operation.
 /// Override what you need; the rest is skipped. Failure dictionaries carry
 /// `NSNetServicesErrorCode` and `NSNetServicesErrorDomain`.
+///
+/// Thread: that of the operation. Lifetime: not owned by the service; may drop it, and itself, in
+/// any of these.
 class RVF_EXPORT NSNetServiceDelegate {
  public:
   virtual ~NSNetServiceDelegate();
@@ -42,6 +45,9 @@ class RVF_EXPORT NSNetServiceDelegate {
 /// delegate is not owned and is read when a callback is delivered. Operations belong to the
 /// thread that starts them and report on its run loop; `netServiceDidStop` alone is delivered
 /// inside `stop`. An object that its delegate releases during a callback survives the callback.
+///
+/// Thread: that of the operations under way, which also lets the last reference go. Lifetime: its
+/// end ends operations untold; what was queued for the delegate is dropped by it and by `stop`.
 class RVF_EXPORT NSNetService final : public NSObject {
  public:
   /// For browsing and resolving. A missing final dot is added to type and domain.

@@ -15,6 +15,9 @@ class NSNetServiceBrowser;
 
 /// What a browser tells its delegate, on the run loop of the thread that started the search.
 /// Override what you need; the rest is skipped.
+///
+/// Thread: that of the search. Lifetime: not owned by the browser; may drop it, and itself, in any
+/// of these.
 class RVF_EXPORT NSNetServiceBrowserDelegate {
  public:
   virtual ~NSNetServiceBrowserDelegate();
@@ -31,10 +34,12 @@ class RVF_EXPORT NSNetServiceBrowserDelegate {
 /// Looks for DNS-SD registrations of one type.
 ///
 /// One find for a name, type and domain, however many interfaces and protocols show it, and one
-/// removal, with the same object, when the last of them is gone. A lost responder is found again
-/// by itself. This process's own registrations are seen too. The delegate is not owned and is
-/// read when a callback is delivered; after `stop` no find or removal arrives. Belongs to the
-/// thread that starts the search.
+/// removal, with the same object, when the last of them is gone. A lost responder is found again by
+/// itself. This process's own registrations are seen too. The delegate is not owned and is read
+/// when a callback is delivered; after `stop` no find or removal arrives.
+///
+/// Thread: that of the search, which also lets the last reference go. Lifetime: its end ends the
+/// search untold; services that it found may outlive it.
 class RVF_EXPORT NSNetServiceBrowser final : public NSObject {
  public:
   static Ref<NSNetServiceBrowser> browser();

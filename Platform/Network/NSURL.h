@@ -11,10 +11,12 @@
 namespace rvf {
 
 /// A URL (RFC 3986), or a reference relative to another URL. The text is kept letter for letter;
-/// nothing is normalized. Immutable, so safe to share between threads.
+/// nothing is normalized.
 ///
 /// The parts are those of the absolute form. Where a part is answered decoded, it is absent if its
 /// escapes do not decode to UTF-8.
+///
+/// Thread: any; immutable. Lifetime: keeps its base.
 class RVF_EXPORT NSURL final : public NSObject {
   struct Private {};
 

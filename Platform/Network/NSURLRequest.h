@@ -10,7 +10,9 @@
 
 namespace rvf {
 
-/// What to ask of a URL, for whoever carries it out. Immutable itself; see `NSMutableURLRequest`.
+/// What to ask of a URL, for whoever carries it out.
+///
+/// Thread: any, if it is no mutable one. Lifetime: keeps URL and body.
 class RVF_EXPORT NSURLRequest : public NSObject {
  public:
   /// A "GET" without body that may take 60 seconds.

@@ -11,12 +11,16 @@
 namespace rvf {
 
 /// One address that a name has.
+///
+/// Thread: any, a plain value. Lifetime: keeps the address block.
 struct NameLookupEntry {
   int family = 0;       ///< this system's AF_*
   Ref<NSData> address;  ///< a socket address block for AF_INET and AF_INET6, else raw bytes
 };
 
 /// What a name look-up found, in the resolver's order.
+///
+/// Thread: any, a plain value. Lifetime: keeps its entries.
 struct NameLookupResult {
   int code = 0;  ///< 0, or an EAI_* code beside no entries
   std::vector<NameLookupEntry> entries;

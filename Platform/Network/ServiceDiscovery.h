@@ -19,7 +19,10 @@ enum class ServiceDiscoveryChoice {
 /// Chooses the back end that `NSNetService` and `NSNetServiceBrowser` use, for the whole process.
 ///
 /// Each thread has a back end of its own while it has discovery operations under way; a choice
-/// holds for the back ends made after it, so make it before the first operation. Thread-safe.
+/// holds for the back ends made after it, so make it before the first operation.
+///
+/// Thread: any; back ends belong to the thread that asks. Lifetime: keeps a factory until it is
+/// replaced.
 class RVF_EXPORT ServiceDiscovery final {
  public:
   ServiceDiscovery() = delete;

@@ -25,6 +25,8 @@ namespace rvf {
 
 /// What a registration is known by. Type and domain carry their final dot: "_quillmarsh._tcp.",
 /// "local.". The name is plain UTF-8, unescaped, at most 63 bytes.
+///
+/// Thread: any, a plain value. Lifetime: owns its texts.
 struct ServiceIdentity {
   std::string name;
   std::string type;
@@ -33,6 +35,8 @@ struct ServiceIdentity {
 };
 
 /// Where a registration was seen.
+///
+/// Thread: any, a plain value. Lifetime: refers to nothing.
 struct ServiceLink {
   int interfaceIndex = 0;
   int family = 0;  ///< AF_INET or AF_INET6: the protocol that carried the answer
@@ -40,6 +44,9 @@ struct ServiceLink {
 };
 
 /// An operation under way; destroying it ends it.
+///
+/// Thread: the one that started it. Lifetime: owned by whoever started it; may be destroyed in its
+/// own events, after which none comes.
 class RVF_EXPORT DiscoveryActivity {
  public:
   DiscoveryActivity() = default;
@@ -48,6 +55,10 @@ class RVF_EXPORT DiscoveryActivity {
   virtual ~DiscoveryActivity();
 };
 
+/// What browsing reports.
+///
+/// Thread: called on the run loop of the thread that started the activity. Lifetime: owned by the
+/// activity; never called after its end.
 struct BrowseEvents {
   std::function<void(const ServiceIdentity&, ServiceLink)> found;
   std::function<void(const ServiceIdentity&, ServiceLink)> removed;
@@ -60,6 +71,10 @@ struct BrowseEvents {
   std::function<void(NSNetServicesError)> failed;
 };
 
+/// What the watching of a TXT record reports.
+///
+/// Thread: called on the run loop of the thread that started the activity. Lifetime: owned by the
+/// activity; never called after its end.
 struct TXTRecordEvents {
   /// The record's raw bytes in wire order, now or after a change; removals are not reported.
   std::function<void(std::vector<std::byte>)> updated;
@@ -70,6 +85,10 @@ struct TXTRecordEvents {
 /// service's port, link-local IPv6 ones with their scope.
 using SocketAddressBytes = std::vector<std::byte>;
 
+/// What a resolution reports.
+///
+/// Thread: called on the run loop of the thread that started the activity. Lifetime: owned by the
+/// activity; never called after its end.
 struct ResolveEvents {
   /// The host and port are known; its addresses follow.
   std::function<void(const std::string& hostName, std::uint16_t port)> located;
@@ -77,6 +96,9 @@ struct ResolveEvents {
   std::function<void(NSNetServicesError)> failed;
 };
 
+/// What is to be published.
+///
+/// Thread: any, a plain value. Lifetime: owns its texts and record.
 struct Publication {
   ServiceIdentity identity;  ///< an empty domain is the default one
   std::uint16_t port = 0;
@@ -88,6 +110,10 @@ struct Publication {
   std::uint32_t lifetimeSeconds = 120;
 };
 
+/// What a publication reports.
+///
+/// Thread: called on the run loop of the thread that started the activity. Lifetime: owned by the
+/// activity; never called after its end.
 struct PublishEvents {
   /// The records are announced; said again after a lost responder came back.
   std::function<void()> established;
@@ -98,6 +124,8 @@ struct PublishEvents {
 };
 
 /// A publication under way.
+///
+/// Thread: the one that started it. Lifetime: destroying it takes the registration back.
 class RVF_EXPORT PublishActivity : public DiscoveryActivity {
  public:
   ~PublishActivity() override;
@@ -108,6 +136,9 @@ class RVF_EXPORT PublishActivity : public DiscoveryActivity {
 };
 
 /// A way to speak DNS-SD, for one thread.
+///
+/// Thread: one, whose run loop drives it. Lifetime: who starts activities keeps it as long as they
+/// last.
 class RVF_EXPORT ServiceDiscoveryBackend {
  public:
   ServiceDiscoveryBackend() = default;

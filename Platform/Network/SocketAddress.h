@@ -26,7 +26,9 @@ namespace rvf {
 /// family (this system's `AF_*`), bytes 2-3 the port in network order; IPv4: the address at 4-7;
 /// IPv6: flow information at 4-7, the address at 8-23, the scope at 24-27 in host order.
 ///
-/// An immutable value. Conversions from foreign bytes answer absent where these hold no address.
+/// Conversions from foreign bytes answer absent where these hold no address.
+///
+/// Thread: any; an immutable value. Lifetime: refers to nothing.
 class RVF_EXPORT SocketAddress final {
  public:
   using IPv4Bytes = std::array<std::uint8_t, 4>;

@@ -6,7 +6,9 @@
 
 namespace rvf {
 
-/// Facts about this process and its machine. Thread-safe.
+/// Facts about this process and its machine.
+///
+/// Thread: any. Lifetime: the one there is lives as long as the process.
 class RVF_EXPORT NSProcessInfo final : public NSObject {
  public:
   /// Always the same.

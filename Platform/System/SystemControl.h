@@ -10,6 +10,8 @@
 namespace rvf {
 
 /// The files that the values below are read from; tests name others.
+///
+/// Thread: any, a plain value. Lifetime: owns its paths.
 struct SystemControlSources {
   std::string productName = "/sys/class/dmi/id/product_name";
   std::string deviceTreeModel = "/proc/device-tree/model";

@@ -35,6 +35,8 @@ enum SystemLogOptions : std::uint32_t {
 };
 
 /// Where the servers of the log listen.
+///
+/// Thread: any, a plain value. Lifetime: owns its paths.
 struct SystemLogSockets {
   std::string journal = "/run/systemd/journal/socket";
   std::string syslog = "/dev/log";
