@@ -27,6 +27,8 @@ RVF_EXPORT void RVF_performBlock(const Ref<NSThread>& thread, std::function<void
 RVF_EXPORT void RVF_performBlock(const Ref<NSThread>& thread, const std::function<void()>& block);
 
 /// Operations of the thread class itself.
+///
+/// Thread: any. Lifetime: blocks are kept until they have run.
 struct RVF_EXPORT NSThread_RVFExtensions {
   /// Calls the block on a new detached thread by `RVF_runBlock`: what it hands over outside of
   /// scopes of its own lives until the thread ends. An exception of the block ends the process.

@@ -25,6 +25,9 @@ namespace rvf {
 /// Steps may be added at any time, also by steps; those added before the run ends run in it. The
 /// queue keeps itself alive from `executeQueue` to the end of the run. It takes no lock: done
 /// callbacks are called on the thread that the queue lives on.
+///
+/// Thread: one at a time, that of the done callbacks. Lifetime: keeps itself from start to end of a
+/// run, and done callbacks keep it; it may be dropped in any step.
 class RVF_EXPORT RVFBlockQueue final : public NSObject {
  public:
   /// Receives the error that ended the run or a step; absent for success.

@@ -24,6 +24,9 @@ namespace rvf {
 /// A scheduled retry keeps the executor alive until its time has come, also when it was called off.
 /// Reports may come from any thread, but nothing is locked: while the main thread may use the
 /// executor, report there.
+///
+/// Thread: one, and as retries come from the main queue, the main one. Lifetime: a scheduled retry
+/// keeps it, its work and its handler; a late report after `stopExecuting` still counts.
 class RVF_EXPORT RVFRetryingBlockExecutor final : public NSObject {
  public:
   using Report = std::function<void(bool succeeded)>;

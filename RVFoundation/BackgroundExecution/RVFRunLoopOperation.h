@@ -25,6 +25,9 @@ namespace rvf {
 /// Started and finished on the main thread; no lock guards it. Started elsewhere, twice or without
 /// block, or finished twice, it reports an assertion of `RVFoundation/RVFRunLoopOperation` at line
 /// 29, 30, 31 or 66, and goes on if the assertion handler returns.
+///
+/// Thread: the main one. Lifetime: keeps its block until it is finished, and itself while it starts
+/// or finishes: the block may drop it.
 class RVF_EXPORT RVFRunLoopOperation final : public NSOperation {
  public:
   using Block = std::function<void()>;

@@ -27,6 +27,8 @@ enum RVFCardType : std::int32_t {
 
 /// Reads the swipe of a payment card: insists on a cardholder name, takes the account number from
 /// track 1 only, and tells the card's network from it.
+///
+/// Thread: as `RVFMagneticCardParser`. Lifetime: as `RVFMagneticCardParser`.
 class RVF_EXPORT RVFCreditCardParser : public RVFMagneticCardParser {
  public:
   /// A new `Parser`, the receiving class, that has parsed a swipe; absent if the swipe is

@@ -15,6 +15,8 @@ namespace rvf {
 ///
 /// All are absent at first. They are wiped from memory when they are replaced and when the record
 /// is destroyed; a text that was got is valid until then, and a setter keeps a copy.
+///
+/// Thread: one at a time. Lifetime: owns its texts and wipes them; what was got goes with them.
 class RVF_EXPORT RVFEncryptedTrackData final : public NSObject {
  public:
   static Class classObject();

@@ -43,6 +43,9 @@ enum RVFTrackInfo : std::uint64_t {
 /// A subclass may override any of the three track operations. Each is also a message to the parser,
 /// so a method that was added at run time may replace it; that one takes the body as a
 /// `std::string_view` too.
+///
+/// Thread: one at a time; nothing is shared between parsers. Lifetime: owns its texts and wipes
+/// them; keeps the encrypted block, which may outlive it.
 class RVF_EXPORT RVFMagneticCardParser : public NSObject {
  public:
   /// A new `Parser`, the receiving class, that has parsed a swipe; absent if the swipe is

@@ -22,6 +22,9 @@ namespace rvf {
 ///
 /// Levels are those of syslog, from 0, emergency, to 7, debug. The logger takes no lock: threads
 /// take turns, or have a logger each.
+///
+/// Thread: one at a time; several loggers may be used at once. Lifetime: owns its connection,
+/// closed with it; keeps no argument.
 class RVF_EXPORT RVFLogger final : public NSObject {
  public:
   RVFLogger() = default;

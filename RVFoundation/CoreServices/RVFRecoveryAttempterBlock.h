@@ -15,6 +15,9 @@ namespace rvf {
 /// error calls one of the two attempt operations with the index of the option that the user chose.
 ///
 /// The handler must be set before either operation is called; neither checks.
+///
+/// Thread: that of whoever presents the error. Lifetime: owns the handler; errors keep it through
+/// their user info.
 class RVF_EXPORT RVFRecoveryAttempterBlock final : public NSObject {
  public:
   /// Tries to recover from `error` with the chosen option; may store why it could not, if

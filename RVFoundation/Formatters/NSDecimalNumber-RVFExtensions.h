@@ -13,6 +13,8 @@ namespace rvf {
 
 /// How decimal numbers travel as text that does not depend on the user: with "." before the
 /// decimals and without grouping.
+///
+/// Thread: any. Lifetime: keeps nothing.
 struct RVF_EXPORT NSDecimalNumber_RVFExtensions {
   /// The locale "en_US_POSIX", always the same object. Thread-safe.
   static Ref<NSLocale> RVF_POSIXLocale();

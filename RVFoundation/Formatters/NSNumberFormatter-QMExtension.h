@@ -13,6 +13,9 @@ namespace rvf {
 ///     currencyFormatter  "$ 1,234.50"  "-$ 1,234.50"                two; halves to even
 ///     quantityFormatter  "1234.5"      "-1234.5"                    at most two; toward zero
 ///     discountFormatter  "$ 1,234.5"   "$ -1,234.5"                 at most two; toward zero
+///
+/// Thread: any; a formatter that is got serves one at a time. Lifetime: each formatter is the
+/// caller's own.
 struct RVF_EXPORT NSNumberFormatter_QMExtension {
   static Ref<NSNumberFormatter> currencyFormatter();
   static Ref<NSNumberFormatter> quantityFormatter();

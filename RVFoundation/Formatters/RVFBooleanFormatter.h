@@ -10,6 +10,8 @@
 namespace rvf {
 
 /// Truth values as "true" or "false" in the user's language. Reads nothing back.
+///
+/// Thread: any; without state. Lifetime: keeps nothing.
 class RVF_EXPORT RVFBooleanFormatter : public NSFormatter {
  public:
   static Class classObject();

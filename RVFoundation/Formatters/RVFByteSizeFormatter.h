@@ -13,6 +13,8 @@ namespace rvf {
 
 /// Numbers of bytes in units of 1024, up to GB: "1.5 KB" for 1536. The decimal point is "." in
 /// every language. Reads nothing back.
+///
+/// Thread: any, while no setting changes. Lifetime: keeps nothing.
 class RVF_EXPORT RVFByteSizeFormatter : public NSFormatter {
  public:
   static Class classObject();

@@ -16,6 +16,9 @@ namespace rvf {
 ///
 /// Shown are halves rounded to even; read are halves rounded away from zero, with or without the
 /// currency's symbol or code.
+///
+/// Thread: one at a time, the shared one, too. Lifetime: keeps its locale; the shared one lives as
+/// long as the process.
 class RVF_EXPORT RVFCurrencyFormatter : public NSFormatter {
  public:
   /// Always the same. It may be fetched on any thread, but serves one thread at a time.

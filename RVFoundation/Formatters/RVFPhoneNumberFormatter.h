@@ -11,6 +11,8 @@
 namespace rvf {
 
 /// North American phone numbers: "(604) 555-1234" for "6045551234". Reads nothing back.
+///
+/// Thread: any; without state. Lifetime: keeps nothing.
 class RVF_EXPORT RVFPhoneNumberFormatter : public NSFormatter {
  public:
   static Class classObject();

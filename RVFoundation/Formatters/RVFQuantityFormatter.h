@@ -17,6 +17,9 @@ namespace rvf {
 ///
 /// Shown are decimals cut off toward zero (1.239 is "1.23"); read are halves rounded away from
 /// zero.
+///
+/// Thread: one at a time, the shared one, too. Lifetime: keeps its number formatter; the shared one
+/// lives as long as the process.
 class RVF_EXPORT RVFQuantityFormatter : public NSFormatter {
  public:
   RVFQuantityFormatter();

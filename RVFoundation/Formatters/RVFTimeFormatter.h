@@ -16,6 +16,8 @@ namespace rvf {
 ///     formatter->stringForObjectValue(openedAt);    // "01:02:05"
 ///
 /// Reads nothing back.
+///
+/// Thread: one at a time. Lifetime: keeps its locale and number formatter.
 class RVF_EXPORT RVFTimeFormatter : public NSFormatter {
  public:
   static Class classObject();

@@ -10,6 +10,8 @@
 namespace rvf {
 
 /// Text in upper case, the same in every language: "STRASSE" for "straße". Reads nothing back.
+///
+/// Thread: any; without state. Lifetime: keeps nothing.
 class RVF_EXPORT RVFUppercaseFormatter : public NSFormatter {
  public:
   static Class classObject();

@@ -6,6 +6,9 @@
 
 namespace rvf {
 
+/// Operations of the date class itself.
+///
+/// Thread: any. Lifetime: keeps nothing.
 struct RVF_EXPORT NSDate_RVFExtensions {
   /// Today at 00:00 in the user's current calendar and time zone, or at the first moment of a day
   /// without it.

@@ -6,6 +6,10 @@
 
 namespace rvf {
 
+/// Operations of the date formatter class itself.
+///
+/// Thread: any; a formatter that is got serves one at a time. Lifetime: each formatter is the
+/// caller's own.
 struct RVF_EXPORT NSDateFormatter_RVFExtensions {
   /// A new formatter for timestamps in UTC with whole seconds, the form "2024-03-01T14:05:09Z" of
   /// RFC 3339. It depends on neither the user's locale nor the time zone, and reads no other form:

@@ -27,6 +27,9 @@ RVF_EXPORT Ref<NSData> readDataOfLengthNonBlocking(const Ref<NSFileHandle>& hand
 /// All that is there.
 RVF_EXPORT Ref<NSData> availableDataNonBlocking(const Ref<NSFileHandle>& handle);
 
+/// Operations of the file handle class itself.
+///
+/// Thread: any. Lifetime: the handle owns the descriptor; the file is the caller's to remove.
 struct RVF_EXPORT NSFileHandle_RVFExtensions {
   /// Creates a file "tempfile.XXXXXX", X being letters and digits, in the temporary directory, for
   /// the owner only, and opens it for reading and writing. The handle closes it; removing it is the

@@ -9,6 +9,10 @@
 
 namespace rvf {
 
+/// Operations of the locale class itself.
+///
+/// Thread: any, but a changed locale is the whole process's: let calls not overlap. Lifetime:
+/// blocks are not kept.
 struct RVF_EXPORT NSLocale_RVFExtensions {
   /// Runs work while the user's locale is another one, for the whole process. The locale is set in
   /// the standard user defaults and stored with them, and observers of

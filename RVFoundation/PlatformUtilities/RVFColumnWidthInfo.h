@@ -7,6 +7,8 @@
 namespace rvf {
 
 /// How a column of a table is shown at first. Everything is 0 or false in a new one.
+///
+/// Thread: one at a time. Lifetime: refers to nothing.
 class RVF_EXPORT RVFColumnWidthInfo final : public NSObject {
  public:
   static Class classObject();

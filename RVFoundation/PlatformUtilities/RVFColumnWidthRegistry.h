@@ -22,7 +22,8 @@ namespace rvf {
 /// "Minimum Column Width", "Auto-Resize Width" and "List Order". Texts count as the numbers or
 /// truth values that they read as.
 ///
-/// Used by one thread at a time.
+/// Thread: one at a time. Lifetime: keeps the property list; the records that it answers are new
+/// ones.
 class RVF_EXPORT RVFColumnWidthRegistry final : public NSObject {
  public:
   static Class classObject();

@@ -9,6 +9,8 @@
 namespace rvf {
 
 /// A cell of a grid.
+///
+/// Thread: any, a plain value. Lifetime: refers to nothing.
 struct RVFGridPoint {
   std::int64_t x;
   std::int64_t y;
@@ -17,6 +19,8 @@ struct RVFGridPoint {
 };
 
 /// An extent in cells.
+///
+/// Thread: any, a plain value. Lifetime: refers to nothing.
 struct RVFGridSize {
   std::int64_t width;
   std::int64_t height;
@@ -24,6 +28,9 @@ struct RVFGridSize {
   bool operator==(const RVFGridSize&) const = default;
 };
 
+/// A rectangle of cells: its first cell and its extent.
+///
+/// Thread: any, a plain value. Lifetime: refers to nothing.
 struct RVFGridRect {
   RVFGridPoint origin;
   RVFGridSize size;
@@ -37,6 +44,8 @@ RVF_EXPORT bool RVFIntersectsGridRect(const RVFGridRect& a, const RVFGridRect& b
 
 /// The records as objects, to be kept in collections. A point and a size are boxed alike, under the
 /// type encoding "{?=qq}", a rectangle under "{?={?=qq}{?=qq}}".
+///
+/// Thread: any. Lifetime: an object holds a copy of the record.
 struct RVF_EXPORT NSValue_RVFValueGeometryExtensions {
   static Ref<NSValue> RVF_valueWithGridRect(const RVFGridRect& rect);
   static Ref<NSValue> RVF_valueWithGridSize(const RVFGridSize& size);

@@ -10,7 +10,9 @@
 namespace rvf {
 
 /// Facts about the machine, for diagnostics and for sizing network buffers. Read anew at every
-/// call. Thread-safe.
+/// call.
+///
+/// Thread: any; without state. Lifetime: keeps nothing.
 class RVF_EXPORT RVFHardwareInfo final : public NSObject {
  public:
   static Class classObject();

@@ -20,7 +20,9 @@ namespace rvf {
 ///
 /// Remove nothing by hand: a registration that was removed otherwise is removed again by `reset`,
 /// which raises for observations of key paths. Targets and observers are not owned; what concerns
-/// one that is gone is skipped. Used by its owner's thread only.
+/// one that is gone is skipped.
+///
+/// Thread: its owner's. Lifetime: neither targets nor observers are kept; reset it before it goes.
 class RVF_EXPORT RVFBindingHelper final : public NSObject {
  public:
   static Ref<RVFBindingHelper> init();

@@ -12,7 +12,7 @@ namespace rvf {
 
 /// What the runtime knows of an instance variable, as an object: its name and its type encoding.
 ///
-/// Keeps texts of its own. Used by one thread at a time.
+/// Thread: one at a time. Lifetime: owns its texts, so it may outlive what it describes.
 class RVF_EXPORT RVFClassIvarDescriptor final : public NSObject {
  public:
   /// A new descriptor, kept alive at least until the current release scope ends.

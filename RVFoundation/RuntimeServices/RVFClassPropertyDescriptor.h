@@ -15,7 +15,9 @@ namespace rvf {
 /// What the runtime knows of a declared property, as an object: its name, and its attributes as a
 /// dictionary of texts. For code that copies, shows or stores objects property by property.
 ///
-/// Keeps texts of its own, so it does not change when the class does. Used by one thread at a time.
+/// Keeps texts of its own, so it does not change when the class does.
+///
+/// Thread: one at a time. Lifetime: owns its texts, so it may outlive what it describes.
 class RVF_EXPORT RVFClassPropertyDescriptor final : public NSObject {
  public:
   /// A new descriptor, kept alive at least until the current release scope ends.

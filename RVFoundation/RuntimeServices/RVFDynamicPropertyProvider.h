@@ -16,6 +16,9 @@ namespace rvf {
 /// (`objectForDynamicProperty:isWeak:`, `setObject:forDynamicProperty:isWeak:`), so any other class
 /// that states the protocol and registers the two can be a provider as well; with these types they
 /// are called without any conversion.
+///
+/// Thread: that of the accessor's caller. Lifetime: what `objectForDynamicProperty` answers is kept
+/// by the caller; whether `setObject` keeps is the provider's choice.
 class RVF_EXPORT RVFDynamicPropertyProvider {
  public:
   virtual ~RVFDynamicPropertyProvider();

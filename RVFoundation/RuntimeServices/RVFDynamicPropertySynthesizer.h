@@ -32,6 +32,9 @@ namespace rvf {
 ///
 /// All operations belong to the class; there are no instances in use. A class is synthesized once,
 /// before its first instance is used; the accessors run on the thread that calls them.
+///
+/// Thread: any, a class at a time; accessors run on the thread that calls them. Lifetime: accessors
+/// stay as long as the process.
 class RVF_EXPORT RVFDynamicPropertySynthesizer final : public NSObject {
  public:
   static Class classObject();

@@ -18,7 +18,7 @@ namespace rvf {
 ///         RVFKeyedArchiverFilter::setOfClasses({NSFileHandle::classObject()}));
 ///     archiver->setDelegate(filter);
 ///
-/// The archiver does not own it. Used by one thread at a time.
+/// Thread: one at a time. Lifetime: not owned by the archiver; keeps its set of classes.
 class RVF_EXPORT RVFKeyedArchiverFilter final : public NSObject, public NSKeyedArchiverDelegate {
  public:
   /// A filter of the instances of these classes and of their subclasses. The set is kept, not

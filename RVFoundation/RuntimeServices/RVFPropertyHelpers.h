@@ -17,7 +17,9 @@
 /// stops the process, because no accessor of such a class could be trusted.
 namespace rvf {
 
-/// A declared property. A plain value, copied freely.
+/// A declared property.
+///
+/// Thread: any, a plain value. Lifetime: owns its texts.
 struct RVFPropertyInfo {
   /// A text of at most 64 bytes, kept in place and filled up with zero bytes. One of exactly 64
   /// bytes has no terminator: read it by `view`.

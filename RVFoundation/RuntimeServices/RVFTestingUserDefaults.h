@@ -14,7 +14,8 @@ namespace rvf {
 /// array, … for a key is whatever stands there. There is no registration domain: registered values
 /// become ordinary ones, so that removing such a key removes it for good.
 ///
-/// Used by one thread at a time.
+/// Thread: one at a time, unlike other user defaults. Lifetime: keeps the objects themselves; all
+/// goes with it.
 class RVF_EXPORT RVFTestingUserDefaults final : public NSUserDefaults {
  public:
   /// A new, empty store each time, kept alive at least until the current release scope ends.

@@ -11,6 +11,8 @@
 namespace rvf {
 
 /// An observation of a key path that a `RWFBindingHelperProxy` made.
+///
+/// Thread: that of the helper's owner. Lifetime: the observer is not kept, and may go.
 class RVF_EXPORT RWFBindingHelperKVOInfo final : public NSObject {
  public:
   static Class classObject();

@@ -11,6 +11,9 @@
 namespace rvf {
 
 /// A registration at a notification center that a `RWFBindingHelperProxy` made.
+///
+/// Thread: that of the helper's owner. Lifetime: neither observer nor object is kept, and both may
+/// go.
 class RVF_EXPORT RWFBindingHelperNotificationInfo final : public NSObject {
  public:
   static Class classObject();

@@ -24,6 +24,9 @@ namespace rvf {
 /// are passed on but leave the records in place; only `unbind` strikes its name out. The object is
 /// not owned: once it is gone, registrations are recorded but reach nobody, and other messages
 /// raise as unrecognized.
+///
+/// Thread: that of the helper's owner. Lifetime: the object is not kept; the proxy is, by its
+/// helper, until `reset`.
 class RVF_EXPORT RWFBindingHelperProxy final : public NSProxy {
  public:
   static Ref<RWFBindingHelperProxy> initWithObject(const id& object);

@@ -10,6 +10,9 @@
 
 namespace rvf {
 
+/// Operations of the dictionary class itself.
+///
+/// Thread: any. Lifetime: keeps nothing.
 struct RVF_EXPORT NSDictionary_RVFExtensions {
   /// The entries of a URL query, keys and values percent-decoded: {a: 1, b: A} of "a=1&b=%41". Of
   /// equal keys the last counts, "+" is no blank, and what follows a second "=" is ignored.

@@ -12,6 +12,9 @@
 
 namespace rvf {
 
+/// Operations of the URL class itself.
+///
+/// Thread: any. Lifetime: keeps nothing.
 struct RVF_EXPORT NSURL_RVFExtensions {
   /// The base URL of the server at a socket address (an address block, see `SocketAddress`):
   ///

@@ -20,6 +20,9 @@ namespace rvf {
 /// Made and filled by `RVFQMServerServiceBrowser`. Belongs to the thread that browses, the main
 /// thread of a client. The registrations do not own it, although it is their delegate until their
 /// TXT record has told the flag.
+///
+/// Thread: that of the browser. Lifetime: keeps its registrations; may be held after its removal,
+/// and then hears nothing more.
 class RVF_EXPORT RVFQMServerService final : public NSObject, public NSNetServiceDelegate {
  public:
   using ChangedHandler = std::function<void()>;

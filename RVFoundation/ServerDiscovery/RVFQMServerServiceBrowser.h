@@ -26,6 +26,9 @@ inline constexpr std::string_view RVFQuillMarshServerServiceType = "_quillmarsh.
 /// A server is reported as added before its TXT record was read; a changed report follows once it
 /// is loaded. Belongs to the thread that starts browsing, whose run loop must run. The handler may
 /// stop the browser. Stop it before letting it go: while servers are known it keeps itself alive.
+///
+/// Thread: the one that starts browsing. Lifetime: keeps itself while servers are known: `stop` it.
+/// After `stop`, also within the handler, nothing is reported.
 class RVF_EXPORT RVFQMServerServiceBrowser final : public NSObject,
                                                    public NSNetServiceBrowserDelegate {
  public:

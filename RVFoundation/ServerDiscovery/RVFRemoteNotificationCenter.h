@@ -31,6 +31,9 @@ namespace rvf {
 /// something next or any observer is added or removed: until then its names count as observed by
 /// nobody, but are still browsed for. An action may add and remove observers, drop its own
 /// observer, post, run the loop again, and throw.
+///
+/// Thread: the one that uses it first. Lifetime: observers are not kept; the default center lives
+/// as long as the process.
 class RVF_EXPORT RVFRemoteNotificationCenter final : public NSObject,
                                                      public NSNetServiceBrowserDelegate {
  public:

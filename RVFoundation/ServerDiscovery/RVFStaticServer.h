@@ -25,6 +25,8 @@ namespace rvf {
 inline constexpr std::string_view RVFNetDBErrorDomain = "kCFStreamErrorDomainNetDB";
 
 /// A hand-entered address, split.
+///
+/// Thread: any, a plain value. Lifetime: refers to the text that was split, which the caller keeps.
 struct RVFServerAddressParts {
   std::string_view host;  ///< keeps its square brackets
   std::string_view port;  ///< a number or a service name, not checked; "9630" if none was given
@@ -42,6 +44,10 @@ RVF_EXPORT RVFServerAddressParts RVFSplitServerAddress(std::string_view address)
 ///                                       bool wasReplaced) { … });
 ///
 /// Belongs to the main thread, whose run loop must run for a resolution to be delivered.
+///
+/// Thread: the main one; look-ups run on a thread of their own and are delivered on it. Lifetime: a
+/// look-up under way keeps it, and its result goes to the completion that is pending by then, else
+/// to nobody. A completion may drop it; one that is set within it is cleared with it.
 class RVF_EXPORT RVFStaticServer : public NSObject {
  public:
   /// One data block a socket address, in the resolver's order. `SocketAddress` reads them,

@@ -32,6 +32,9 @@ inline constexpr std::string_view kStaticServersKey = "static servers";
 /// change it within `NSUserDefaults::performExclusively`.
 ///
 /// Belongs to the main thread, but `sharedServerList` may be asked for from any.
+///
+/// Thread: the main one. Lifetime: keeps its servers and defaults; the shared one lives as long as
+/// the process.
 class RVF_EXPORT RVFStaticServerList final : public NSObject {
  public:
   /// The one on the standard user defaults, made and loaded on first use.

@@ -23,7 +23,10 @@ namespace rvf {
 ///     if (!decompressor->completeDecompressionUsingError(&error)) ...
 ///
 /// Memory follows the length of the chunk and how far it expands (deflate: at most 1,032 times),
-/// not the length of the answer. Serves one answer; used by one thread at a time.
+/// not the length of the answer. Serves one answer.
+///
+/// Thread: one at a time. Lifetime: one answer; what is decompressed belongs to the caller and may
+/// outlive it.
 class RVF_EXPORT RVFStreamedDecompressor final : public NSObject {
  public:
   /// A new decompressor; absent if zlib cannot start.

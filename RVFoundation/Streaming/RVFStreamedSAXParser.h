@@ -39,7 +39,10 @@ namespace rvf {
 /// External entities and DTDs are never opened, entities that a document defines are never
 /// expanded, and elements may be nested 256 deep, as elsewhere in libxml2: the element beyond ends
 /// the parse with `RVFLIBXMLParserError`, everything before it has been reported. One parser serves
-/// one document and is used by one thread at a time.
+/// one document.
+///
+/// Thread: one at a time; handlers run within its calls. Lifetime: owns its handlers; what they are
+/// given ends with the call to them.
 class RVF_EXPORT RVFStreamedSAXParser final : public NSObject {
  public:
   /// Local name; prefix and URI of its namespace, null if it has none; the declared namespaces, a

@@ -19,6 +19,8 @@ inline std::string_view xmlView(XMLText text) noexcept {
 }
 
 /// One attribute of an element start, read in place. Valid only during the callback.
+///
+/// Thread: that of the callback. Lifetime: the callback; refers to the parser's texts.
 class XMLAttribute final {
  public:
   /// `group` is five texts: local name, prefix, URI, start and end of the value.
@@ -57,6 +59,8 @@ class XMLAttribute final {
 ///     for (const XMLAttribute attribute : XMLAttributes(attributes, attributeCount)) ...
 ///
 /// Costs nothing: a view over the parser's own strings, valid only during the callback.
+///
+/// Thread: that of the callback. Lifetime: the callback; refers to the parser's texts.
 class XMLAttributes final {
  public:
   class Iterator final {
