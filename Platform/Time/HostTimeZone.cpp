@@ -9,6 +9,8 @@
 #include <fstream>
 #include <iterator>
 #include <mutex>
+#include <set>
+#include <sstream>
 #include <string_view>
 #include <system_error>
 #include <tuple>
@@ -86,25 +88,57 @@ bool hasBytes(const fs::path& path, const std::string& bytes) {
          bytesOf(path) == bytes;
 }
 
-/// The first in the order of names, so that it is the same each time.
-Name firstZoneWithBytes(const fs::path& zones, const std::string& bytes) {
-  Name first;
-  std::error_code problem;
-  for (fs::recursive_directory_iterator entry(zones, problem), end; !problem && entry != end;
-       entry.increment(problem)) {
-    const std::string name = entry->path().lexically_relative(zones).string();
-    if ((!first || name < *first) && hasBytes(entry->path(), bytes) && known(name) == name)
-      first = name;
+/// The zones that the database lists for people to choose from, one for each region whose clocks
+/// have agreed since 1970. Empty where the list is missing.
+std::set<std::string> listedZones(const fs::path& zones) {
+  std::set<std::string> names;
+  std::ifstream file(zones / "zone1970.tab");
+  for (std::string line; std::getline(file, line);) {
+    if (line.starts_with('#')) continue;
+    std::istringstream columns(line);
+    std::string countries, coordinates, name;
+    if (columns >> countries >> coordinates >> name) names.insert(name);
   }
-  return first;
+  return names;
 }
+
+/// How much there is against a name for some bytes that have several: the less, the better.
+using Objections = std::tuple<bool, bool, bool, std::string>;
+
+class ZoneSearch final {
+ public:
+  explicit ZoneSearch(const fs::path& zones) : zones_(zones), listed_(listedZones(zones)) {}
+
+  /// The same each time, in whatever order the folder lists its files.
+  Name best(const std::string& bytes) const {
+    std::optional<Objections> least;
+    std::error_code problem;
+    constexpr auto kOptions = fs::directory_options::skip_permission_denied;
+    for (fs::recursive_directory_iterator entry(zones_, kOptions, problem), end;
+         !problem && entry != end; entry.increment(problem)) {
+      if (!hasBytes(entry->path(), bytes)) continue;
+      const std::string file = entry->path().lexically_relative(zones_).string();
+      const Name name = known(file);
+      if (name && (!least || objections(file, *name) < *least)) least = objections(file, *name);
+    }
+    return least ? Name(std::get<std::string>(*least)) : std::nullopt;
+  }
+
+ private:
+  Objections objections(const std::string& file, const std::string& name) const {
+    return {file != name, !listed_.contains(name), !isCanonicalZoneName(name), name};
+  }
+
+  fs::path zones_;
+  std::set<std::string> listed_;
+};
 
 Name nameByBytes(const fs::path& file, const HostTimeZoneSources& sources) {
   const std::string bytes = bytesOf(file);
   if (bytes.empty()) return std::nullopt;
   const Name named = known(firstLine(sources.nameFile));
   if (named && hasBytes(fs::path(sources.zones) / *named, bytes)) return named;
-  return firstZoneWithBytes(sources.zones, bytes);
+  return ZoneSearch(sources.zones).best(bytes);
 }
 
 /// The last answer of `nameByBytes`, and what it was for.

@@ -26,9 +26,12 @@ struct RVF_EXPORT HostTimeZoneSources {
 /// A name that `icuTimeZone` knows for the zone that the device is set to:
 ///
 /// - What TZ says, without a leading ":": a name, or the path of a zone's file. Empty is "GMT".
-/// - Without TZ, the zone that /etc/localtime is a link to. Of a copied file it is the zone with
-/// the
-///   same bytes, if there are several preferably the one that /etc/timezone names.
+/// - Without TZ, the zone that /etc/localtime is a link to.
+/// - Of a copied file, the zone with the same bytes. Of several it is the one that /etc/timezone
+///   names; else the one that zone1970.tab lists, the time zone database's main name for a region;
+///   else one that Unicode's data call canonical ("Etc/UTC", not "Zulu"); and among equals the
+///   first in the order of names. The folders "posix" and "right" repeat the others, so they count
+///   last.
 /// - Else, and for the rules of POSIX ("EST5EDT,M3.2.0,M11.1.0"), "GMT" with the distance of now.
 ///
 /// Looking for the same bytes takes milliseconds; that is done once, until the file is another.

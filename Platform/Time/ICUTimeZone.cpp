@@ -7,11 +7,24 @@
 
 namespace rvf {
 
+namespace {
+
+icu::UnicodeString unicode(std::string_view name) {
+  return icu::UnicodeString::fromUTF8({name.data(), static_cast<std::int32_t>(name.size())});
+}
+
+}  // namespace
+
 std::unique_ptr<icu::TimeZone> icuTimeZone(std::string_view name) {
-  const icu::StringPiece bytes(name.data(), static_cast<std::int32_t>(name.size()));
-  std::unique_ptr<icu::TimeZone> zone(
-      icu::TimeZone::createTimeZone(icu::UnicodeString::fromUTF8(bytes)));
+  std::unique_ptr<icu::TimeZone> zone(icu::TimeZone::createTimeZone(unicode(name)));
   return zone && *zone != icu::TimeZone::getUnknown() ? std::move(zone) : nullptr;
+}
+
+bool isCanonicalZoneName(std::string_view name) {
+  UErrorCode status = U_ZERO_ERROR;
+  icu::UnicodeString canonical;
+  icu::TimeZone::getCanonicalID(unicode(name), canonical, status);
+  return U_SUCCESS(status) && canonical == unicode(name);
 }
 
 std::string timeZoneNameForOffset(std::int32_t seconds) {

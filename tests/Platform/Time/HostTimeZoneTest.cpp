@@ -107,6 +107,46 @@ TEST_F(HostTimeZoneTest, TheNameFileChoosesAmongZonesOfTheSameBytes) {
   EXPECT_EQ(name(), "Europe/Berlin");
 }
 
+TEST_F(HostTimeZoneTest, TheListedZoneCountsAmongZonesOfTheSameBytes) {
+  writeBytes(sources_.localTime, "TZif berlin");
+  writeBytes(zone("zone1970.tab"),
+             "# a comment\tof\tEurope/Oslo\n"
+             "DE,DK,NO,SE,SJ\t+5230+01322\tEurope/Berlin\tmost of Germany\n"
+             "JP\t+353916+1394441\tAsia/Tokyo\n\nbroken\n");
+  EXPECT_EQ(name(), "Europe/Berlin");
+  writeBytes(sources_.nameFile, "Europe/Oslo\n");
+  EXPECT_EQ(name(), "Europe/Oslo") << "what was chosen counts more";
+}
+
+TEST_F(HostTimeZoneTest, TheListedZoneCountsMoreThanUnicodesOlderName) {
+  addZone("Asia/Calcutta", "TZif india");
+  addZone("Asia/Kolkata", "TZif india");
+  writeBytes(zone("zone1970.tab"), "IN\t+2232+08822\tAsia/Kolkata\n");
+  writeBytes(sources_.localTime, "TZif india");
+  EXPECT_EQ(name(), "Asia/Kolkata");
+}
+
+TEST_F(HostTimeZoneTest, WithoutAListTheCanonicalZoneCounts) {
+  for (const char* other : {"Europe/Belfast", "Europe/London", "GB", "GB-Eire"})
+    addZone(other, "TZif london");
+  for (const char* other : {"Etc/UCT", "Etc/UTC", "Etc/Zulu", "UCT", "UTC", "Zulu"})
+    addZone(other, "TZif nowhere");
+  writeBytes(sources_.localTime, "TZif london");
+  EXPECT_EQ(name(), "Europe/London");
+  writeBytes(sources_.localTime, "TZif nowhere");
+  EXPECT_EQ(name(), "Etc/UTC");
+}
+
+TEST_F(HostTimeZoneTest, FoldersThatRepeatTheZonesCountLast) {
+  addZone("posix/Europe/Berlin", "TZif repeated");
+  addZone("Europe/Oslo", "TZif repeated");
+  addZone("right/Asia/Tokyo", "TZif leap seconds");
+  writeBytes(sources_.localTime, "TZif repeated");
+  EXPECT_EQ(name(), "Europe/Oslo");
+  writeBytes(sources_.localTime, "TZif leap seconds");
+  EXPECT_EQ(name(), "Asia/Tokyo");
+}
+
 TEST_F(HostTimeZoneTest, ANameFileThatIsWrongDoesNotCount) {
   writeBytes(sources_.localTime, "TZif berlin");
   for (const char* wrong : {"Asia/Tokyo\n", "", "Nowhere/Town\n"}) {
