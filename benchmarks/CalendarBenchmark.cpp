@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Calendar periods against the same calls of ICU's calendar, RFC 3339 timestamps against ICU's
-// formatter kept from one to the next, and what looking a column up takes. "of_icu_speed" is our
-// speed as a multiple of ICU's; both take turns within one measurement.
+// Calendar periods against the same calls of ICU's calendar, making a calendar against copying one
+// of ICU's, RFC 3339 timestamps against ICU's formatter kept from one to the next, and what looking
+// a column up takes. "of_icu_speed" is our speed as a multiple of ICU's; both take turns within one
+// measurement.
 
 #include <benchmark/benchmark.h>
 #include <unicode/calendar.h>
@@ -122,6 +123,29 @@ BENCHMARK_CAPTURE(comparePeriod, lastDayOfCurrentMonth, &RVF_lastDayOfCurrentMon
                   &rawLastDayOfMonth);
 BENCHMARK_CAPTURE(comparePeriod, firstDayOfNextYear, &RVF_firstDayOfNextYearForDate,
                   &rawFirstDayOfNextYear);
+
+/// A calendar by its identifier against a copy of one that ICU made before, which is the least that
+/// a new calendar can cost. The default time zone is that of the device, found anew each time, or
+/// one that was set.
+void makeCalendars(benchmark::State& state, const char* zone) {
+  NSTimeZone::setDefaultTimeZone(zone ? NSTimeZone::timeZoneWithName(zone) : nullptr);
+  const auto raw = rawCalendar();
+  const auto ours = [] {
+    for (int i = 0; i < kDates; ++i)
+      benchmark::DoNotOptimize(NSCalendar::calendarWithIdentifier(NSCalendarIdentifierGregorian));
+  };
+  const auto theirs = [&] {
+    for (int i = 0; i < kDates; ++i)
+      benchmark::DoNotOptimize(std::unique_ptr<icu::Calendar>(raw->clone()));
+  };
+  for (auto _ : state)
+    ours();
+  state.SetItemsProcessed(state.iterations() * kDates);
+  state.counters["of_icu_speed"] = relativeSpeed(ours, theirs, 20);
+  NSTimeZone::setDefaultTimeZone(nullptr);
+}
+BENCHMARK_CAPTURE(makeCalendars, inZoneOfDevice, nullptr);
+BENCHMARK_CAPTURE(makeCalendars, inZoneThatIsSet, kZone);
 
 std::unique_ptr<icu::SimpleDateFormat> rawFormat() {
   UErrorCode status = U_ZERO_ERROR;
