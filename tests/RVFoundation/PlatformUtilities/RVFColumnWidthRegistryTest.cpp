@@ -3,6 +3,8 @@
 
 #include <errno.h>
 #include <gtest/gtest.h>
+#include <sys/fsuid.h>
+#include <sys/stat.h>
 
 #include <limits>
 #include <string>
@@ -11,6 +13,7 @@
 #include "Platform/Runtime/Messaging.h"
 #include "Platform/Storage/FileContents.h"
 #include "Platform/Storage/NSPropertyListSerialization.h"
+#include "Platform/Values/NSMutableDictionary.h"
 #include "Platform/Values/NSNumber.h"
 #include "Platform/Values/NSString.h"
 #include "tests/Platform/Storage/TemporaryFolder.h"
@@ -52,6 +55,17 @@ class RVFColumnWidthRegistryTest : public testing::Test {
   bool load(std::string_view bytes, Ref<NSError>* error = nullptr) {
     writeBytes(folder_.file("columns.plist"), bytes);
     return registry_.loadFromFile(NSURL::fileURLWithPath(folder_.file("columns.plist")), error);
+  }
+  /// Of a column that has one value everywhere.
+  Ref<RVFColumnWidthInfo> infoOf(const id& value) {
+    const auto column = NSDictionary::dictionaryWithEntries({{"Default Column Width", value},
+                                                             {"Minimum Column Width", value},
+                                                             {"Auto-Resize Width", value},
+                                                             {"List Order", value}});
+    registry_.setRegistry(NSDictionary::dictionaryWithEntries(
+        {{"t", NSDictionary::dictionaryWithEntries(
+                   {{"Columns", NSDictionary::dictionaryWithEntries({{"c", column}})}})}}));
+    return registry_.columnWidthInfoForKey("c", "t");
   }
   long codeOfLoading(const Ref<NSURL>& location) {
     Ref<NSError> error;
@@ -115,6 +129,112 @@ TEST_F(RVFColumnWidthRegistryTest, ReadsNumbersAndTruthValues) {
   EXPECT_EQ(summary(registry_, "t", "d"), "1 0 yes 0");
 }
 
+TEST_F(RVFColumnWidthRegistryTest, ReadsTextsAsNumbers) {
+  struct Row {
+    const char* text;
+    double width;
+    long order;
+  };
+  constexpr long kMost = std::numeric_limits<long>::max();
+  constexpr long kLeast = std::numeric_limits<long>::min();
+  const Row rows[] = {{"60", 60, 60},
+                      {"60.75", 60.75, 60},
+                      {"-3.9", -3.9, -3},
+                      {"+7", 7, 7},
+                      {".5", 0.5, 0},
+                      {"1e2", 100, 1},
+                      {" \n 12", 12, 12},
+                      {"12 pt", 12, 12},
+                      {"1,5", 1, 1},
+                      {"0x10", 0, 0},
+                      {"", 0, 0},
+                      {"wide", 0, 0},
+                      {"٣", 0, 0},
+                      {"9223372036854775807", 9223372036854775807.0, kMost},
+                      {"9223372036854775808", 9223372036854775808.0, kMost},
+                      {"-9999999999999999999", -9999999999999999999.0, kLeast}};
+  for (const Row& row : rows) {
+    const auto info = infoOf(box(row.text));
+    EXPECT_EQ(info->defaultWidth(), row.width) << row.text;
+    EXPECT_EQ(info->minimumWidth(), row.width) << row.text;
+    EXPECT_EQ(info->listOrder(), row.order) << row.text;
+  }
+}
+
+TEST_F(RVFColumnWidthRegistryTest, ReadsTextsAsTruthValues) {
+  for (const char* yes : {"YES", "yes", "Y", "true", "TRUE", "t", "1", "9", "01", "-1", "+0001",
+                          " \t1", "2 of 3", "Yo"})
+    EXPECT_TRUE(infoOf(box(yes))->autoresize()) << yes;
+  for (const char* no : {"NO", "no", "N", "false", "f", "0", "-0", "00", "", " ", "on", "\n1",
+                         "0.5", ".1", "maybe", "١"})
+    EXPECT_FALSE(infoOf(box(no))->autoresize()) << no;
+}
+
+TEST_F(RVFColumnWidthRegistryTest, ReadsNumbersAsTheyAre) {
+  struct Row {
+    Ref<NSNumber> number;
+    double width;
+    bool autoresize;
+    long order;
+  };
+  const Row rows[] = {
+      {box(true), 1, true, 1},  {box(false), 0, false, 0}, {box(2), 2, true, 2},
+      {box(-1), -1, true, -1},  {box(0), 0, false, 0},     {box(-0.0), 0, false, 0},
+      {box(0.5), 0.5, true, 0}, {box(3.9), 3.9, true, 3},  {box(-3.9), -3.9, true, -3}};
+  for (const Row& row : rows) {
+    const auto info = infoOf(row.number);
+    EXPECT_EQ(info->defaultWidth(), row.width) << row.number->description();
+    EXPECT_EQ(info->minimumWidth(), row.width) << row.number->description();
+    EXPECT_EQ(info->autoresize(), row.autoresize) << row.number->description();
+    EXPECT_EQ(info->listOrder(), row.order) << row.number->description();
+  }
+}
+
+TEST_F(RVFColumnWidthRegistryTest, AValueThatCannotBeReadIsNotTakenFromTheTable) {
+  for (const char* unreadable : {"( 5 )", "{ a = 5; }", "<05>", "wide"}) {
+    ASSERT_TRUE(load(std::string("{ t = { \"Default Column Width\" = 80; Columns = { c = {"
+                                 "\"Default Column Width\" = ") +
+                     unreadable + "; }; }; }; }"));
+    EXPECT_EQ(summary(registry_, "t", "c"), "0 0 no 0") << unreadable;
+    EXPECT_EQ(summary(registry_, "t", "d"), "80 0 no 0") << unreadable;
+  }
+}
+
+TEST_F(RVFColumnWidthRegistryTest, WhatIsLoadedCannotBeChanged) {
+  const id root = parsed(kOlderText);
+  for (const auto format : {NSPropertyListFormat::xml, NSPropertyListFormat::binary}) {
+    ASSERT_TRUE(
+        load(NSPropertyListSerialization::dataWithPropertyList(root, format)->characters()));
+    EXPECT_EQ(std::dynamic_pointer_cast<NSMutableDictionary>(registry_.registry()), nullptr);
+    const id table = registry_.registry()->objectForKey("orders");
+    EXPECT_EQ(std::dynamic_pointer_cast<NSMutableDictionary>(table), nullptr);
+    EXPECT_NE(std::dynamic_pointer_cast<NSDictionary>(table), nullptr);
+  }
+}
+
+TEST_F(RVFColumnWidthRegistryTest, AFileThatWasCutShortKeepsTheOldRegistry) {
+  constexpr std::string_view kSmall =
+      "{ t = { \"List Order\" = 1; Columns = { c = { a = <0102>; }; }; }; }";
+  const id root = parsed(kSmall);
+  const auto written = [&root](NSPropertyListFormat format) {
+    return std::string(
+        NSPropertyListSerialization::dataWithPropertyList(root, format)->characters());
+  };
+  ASSERT_TRUE(load(kOlderText));
+  const auto before = registry_.registry();
+  for (std::string bytes : {std::string(kSmall), written(NSPropertyListFormat::xml),
+                            written(NSPropertyListFormat::binary)}) {
+    while (!bytes.empty() && bytes.back() == '\n')
+      bytes.pop_back();
+    for (std::size_t length = 0; length < bytes.size(); ++length) {
+      Ref<NSError> error;
+      ASSERT_FALSE(load(bytes.substr(0, length), &error)) << bytes.substr(0, length);
+      EXPECT_EQ(error->code(), NSPropertyListReadCorruptError) << length;
+      ASSERT_EQ(registry_.registry(), before) << length;
+    }
+  }
+}
+
 TEST_F(RVFColumnWidthRegistryTest, AnswersZerosBeforeAnythingIsLoaded) {
   EXPECT_EQ(registry_.registry(), nullptr);
   EXPECT_EQ(summary(registry_, "orders", "number"), "0 0 no 0");
@@ -124,7 +244,8 @@ TEST_F(RVFColumnWidthRegistryTest, AnswersZerosBeforeAnythingIsLoaded) {
 TEST_F(RVFColumnWidthRegistryTest, KeepsTheOldRegistryIfLoadingFails) {
   ASSERT_TRUE(load(kOlderText));
   const auto before = registry_.registry();
-  for (const char* damaged : {"bplist00 damaged", "<plist><dict>", "{ a = ", "{ a = b; } x"}) {
+  for (const char* damaged : {"", " ", "bplist00 damaged", "<plist><dict>",
+                              "{ a = ", "{ a = b; } x", R"({"orders": {"List Order": 1}})"}) {
     Ref<NSError> error;
     EXPECT_FALSE(load(damaged, &error)) << damaged;
     ASSERT_NE(error, nullptr) << damaged;
@@ -159,6 +280,21 @@ TEST_F(RVFColumnWidthRegistryTest, AFileThatCannotBeReadGivesThePlatformsError) 
             NSFileReadUnknownError);
   EXPECT_EQ(codeOfLoading(NSURL::URLWithString("file:///tmp%00/x")), NSFileReadUnknownError);
   EXPECT_EQ(codeOfLoading(nullptr), NSFileReadUnknownError);
+  EXPECT_EQ(registry_.registry(), before);
+}
+
+TEST_F(RVFColumnWidthRegistryTest, AFileThatMayNotBeReadHasACodeOfItsOwn) {
+  constexpr uid_t kNobody = 65534;
+  ASSERT_TRUE(load(kOlderText));
+  const auto before = registry_.registry();
+  const auto location = NSURL::fileURLWithPath(folder_.file("columns.plist"));
+  ASSERT_EQ(chmod(folder_.file("columns.plist").c_str(), 0), 0);
+  // Root may read everything; its file accesses alone can be another user's.
+  const auto user = static_cast<uid_t>(setfsuid(kNobody));
+  const long code = codeOfLoading(location);
+  setfsuid(user);
+  EXPECT_EQ(code, NSFileReadNoPermissionError);
+  EXPECT_EQ(code, 257);
   EXPECT_EQ(registry_.registry(), before);
 }
 
