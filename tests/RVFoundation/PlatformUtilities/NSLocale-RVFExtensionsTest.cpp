@@ -20,6 +20,9 @@
 #include "Platform/Time/NSDateFormatter.h"
 #include "Platform/Values/NSNumber.h"
 #include "Platform/Values/NSString.h"
+#include "RVFoundation/CoreServices/RVFLibraryBundle.h"
+#include "RVFoundation/Formatters/RVFCurrencyFormatter.h"
+#include "RVFoundation/Formatters/RVFQuantityFormatter.h"
 #include "tests/Platform/Locale/LocaleListener.h"
 
 namespace rvf {
@@ -237,6 +240,24 @@ TEST_F(NSLocale_RVFExtensionsTest, FormattersAndCalendarsFollow) {
   EXPECT_EQ(text(), "1,234.5 January gregorian");
   changeLocale("th_TH", [&] { EXPECT_EQ(text(), "1,234.5 มกราคม buddhist"); });
   EXPECT_EQ(text(), "1,234.5 January gregorian");
+}
+
+TEST_F(NSLocale_RVFExtensionsTest, SharedFormattersAndTranslationsFollow) {
+  RVFLibraryBundle()->setCatalogueFolder(RVF_BUILD_CATALOGUE_FOLDER);
+  const auto text = [] {
+    return *RVFCurrencyFormatter::sharedCurrencyFormatter()->stringForObjectValue(box(1234.5)) +
+           " " + *RVFQuantityFormatter::sharedQuantityFormatter()->stringForObjectValue(box(0.5)) +
+           " " +
+           RVFLibraryBundle()->localizedStringForKey("An error occurred while receiving data.");
+  };
+  const std::string english = text();
+  EXPECT_EQ(english, "1,234.50 0.5 An error occurred while receiving data.");
+  changeLocale("de_DE", [&] {
+    EXPECT_EQ(text(), "1.234,50 0,5 Beim Empfangen von Daten ist ein Fehler aufgetreten.");
+    changeLocale("en_US", [&] { EXPECT_EQ(text(), english); });
+  });
+  EXPECT_EQ(text(), english);
+  RVFLibraryBundle()->setCatalogueFolder(std::nullopt);
 }
 
 TEST_F(NSLocale_RVFExtensionsTest, AnIdentifierThatIsNoUTF8ChangesNothing) {
