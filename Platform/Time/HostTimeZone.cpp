@@ -59,11 +59,9 @@ Name nameInPath(const fs::path& path) {
 /// counts: it is the one that was chosen, and may itself be a link to another name.
 Name nameOfLink(const fs::path& path) {
   std::error_code problem;
-  for (const fs::path& candidate :
-       {path, fs::read_symlink(path, problem), fs::canonical(path, problem)}) {
-    if (Name name = nameInPath(candidate)) return name;
-  }
-  return std::nullopt;
+  if (Name name = nameInPath(path)) return name;
+  if (Name name = nameInPath(fs::read_symlink(path, problem))) return name;
+  return nameInPath(fs::canonical(path, problem));
 }
 
 std::string firstLine(const std::string& path) {

@@ -4,6 +4,8 @@
 #include <unicode/unistr.h>
 
 #include <cstdlib>
+#include <mutex>
+#include <utility>
 
 namespace rvf {
 
@@ -13,11 +15,37 @@ icu::UnicodeString unicode(std::string_view name) {
   return icu::UnicodeString::fromUTF8({name.data(), static_cast<std::int32_t>(name.size())});
 }
 
+std::unique_ptr<icu::TimeZone> newZone(std::string_view name) {
+  std::unique_ptr<icu::TimeZone> zone(icu::TimeZone::createTimeZone(unicode(name)));
+  return zone && *zone != icu::TimeZone::getUnknown() ? std::move(zone) : nullptr;
+}
+
+/// The zone that was asked for last: most ask for the same one again, and a copy takes a tenth of
+/// what looking a zone up in the library's data does.
+class LastZone final {
+ public:
+  std::unique_ptr<icu::TimeZone> named(std::string_view name) {
+    const std::lock_guard lock(mutex_);
+    if (!zone_ || name != name_) {
+      auto zone = newZone(name);
+      if (!zone) return nullptr;
+      zone_ = std::move(zone);
+      name_ = name;
+    }
+    return std::unique_ptr<icu::TimeZone>(zone_->clone());
+  }
+
+ private:
+  std::mutex mutex_;
+  std::string name_;
+  std::unique_ptr<icu::TimeZone> zone_;
+};
+
 }  // namespace
 
 std::unique_ptr<icu::TimeZone> icuTimeZone(std::string_view name) {
-  std::unique_ptr<icu::TimeZone> zone(icu::TimeZone::createTimeZone(unicode(name)));
-  return zone && *zone != icu::TimeZone::getUnknown() ? std::move(zone) : nullptr;
+  static LastZone& last = *new LastZone;  // never destroyed: other threads may go on at exit
+  return last.named(name);
 }
 
 bool isCanonicalZoneName(std::string_view name) {
