@@ -21,7 +21,7 @@ RVF_EXPORT std::uint32_t RVF_availableByteCountNonBlocking(const Ref<NSFileHandl
 
 /// What is there, up to a length, without waiting for more; absent if nothing is. Raises like the
 /// above. Waits after all if another reader takes the bytes away meanwhile. Of a datagram, what
-/// lies beyond the length is lost.
+/// lies beyond the length is lost; an empty one is never taken, and hides those behind it.
 RVF_EXPORT Ref<NSData> readDataOfLengthNonBlocking(const Ref<NSFileHandle>& handle,
                                                    std::uint32_t length);
 /// All that is there.

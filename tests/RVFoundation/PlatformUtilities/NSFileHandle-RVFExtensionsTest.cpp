@@ -49,6 +49,25 @@ void awaitInput(const Ref<NSFileHandle>& handle) {
   ASSERT_EQ(poll(&readable, 1, 5000), 1);
 }
 
+/// On a port of the loopback interface that the system chooses, which is stored.
+Ref<NSFileHandle> boundSocket(int type, sockaddr_in& address) {
+  const auto handle = owning(socket(AF_INET, type | SOCK_CLOEXEC, 0));
+  address.sin_family = AF_INET;
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  socklen_t length = sizeof address;
+  auto* const any = reinterpret_cast<sockaddr*>(&address);
+  EXPECT_EQ(bind(handle->fileDescriptor(), any, length), 0);
+  EXPECT_EQ(getsockname(handle->fileDescriptor(), any, &length), 0);
+  return handle;
+}
+
+Ref<NSFileHandle> connectedSocket(int type, const sockaddr_in& address) {
+  const auto handle = owning(socket(AF_INET, type | SOCK_CLOEXEC, 0));
+  const auto* const any = reinterpret_cast<const sockaddr*>(&address);
+  EXPECT_EQ(connect(handle->fileDescriptor(), any, sizeof address), 0);
+  return handle;
+}
+
 /// Two connected ends.
 struct Ends {
   Ref<NSFileHandle> reading;
@@ -65,17 +84,16 @@ struct Ends {
     return {owning(ends[0]), owning(ends[1])};
   }
   static Ends ofUDP() {
-    const Ends ends = {owning(socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0)),
-                       owning(socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0))};
     sockaddr_in address = {};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t length = sizeof address;
-    auto* const any = reinterpret_cast<sockaddr*>(&address);
-    EXPECT_EQ(bind(ends.reading->fileDescriptor(), any, length), 0);
-    EXPECT_EQ(getsockname(ends.reading->fileDescriptor(), any, &length), 0);
-    EXPECT_EQ(connect(ends.writing->fileDescriptor(), any, length), 0);
-    return ends;
+    const auto reading = boundSocket(SOCK_DGRAM, address);
+    return {reading, connectedSocket(SOCK_DGRAM, address)};
+  }
+  static Ends ofTCP() {
+    sockaddr_in address = {};
+    const auto listening = boundSocket(SOCK_STREAM, address);
+    EXPECT_EQ(listen(listening->fileDescriptor(), 1), 0);
+    const auto writing = connectedSocket(SOCK_STREAM, address);
+    return {owning(accept4(listening->fileDescriptor(), nullptr, nullptr, SOCK_CLOEXEC)), writing};
   }
   /// What is written is typed on a terminal.
   static Ends ofTerminal() {
@@ -130,6 +148,16 @@ TEST(NSFileHandle_RVFExtensions, ReadsWhatIsInAPipe) {
 
 TEST(NSFileHandle_RVFExtensions, ReadsWhatIsInASocket) {
   expectReadsWhatIsThere(Ends::ofSockets(SOCK_STREAM), "0123456789");
+}
+
+TEST(NSFileHandle_RVFExtensions, ReadsWhatCameOverTheNetwork) {
+  Ends ends = Ends::ofTCP();
+  expectReadsWhatIsThere(ends, "0123456789");
+  writeTo(ends.writing, "last");
+  ends.writing.reset();
+  awaitInput(ends.reading);
+  EXPECT_EQ(availableDataNonBlocking(ends.reading)->characters(), "last");
+  EXPECT_EQ(availableDataNonBlocking(ends.reading), nullptr) << "the peer is gone";
 }
 
 TEST(NSFileHandle_RVFExtensions, ReadsWhatWasTypedOnATerminal) {
@@ -234,14 +262,21 @@ TEST(NSFileHandle_RVFExtensions, ReadsDatagramsOfTheNetworkOneByOne) {
   EXPECT_EQ(availableDataNonBlocking(ends.reading), nullptr);
 }
 
+TEST(NSFileHandle_RVFExtensions, AnEmptyDatagramStaysInFront) {
+  const Ends ends = Ends::ofUDP();
+  writeTo(ends.writing, "");
+  writeTo(ends.writing, "next");
+  awaitInput(ends.reading);
+  EXPECT_EQ(availableDataNonBlocking(ends.reading), nullptr);
+  EXPECT_EQ(availableDataNonBlocking(ends.reading), nullptr);
+  ASSERT_EQ(recv(ends.reading->fileDescriptor(), nullptr, 0, 0), 0);
+  awaitInput(ends.reading);
+  EXPECT_EQ(availableDataNonBlocking(ends.reading)->characters(), "next");
+}
+
 TEST(NSFileHandle_RVFExtensions, RaisesForASocketThatListens) {
-  const auto listening = owning(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
   sockaddr_in address = {};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  ASSERT_EQ(bind(listening->fileDescriptor(), reinterpret_cast<const sockaddr*>(&address),
-                 sizeof address),
-            0);
+  const auto listening = boundSocket(SOCK_STREAM, address);
   ASSERT_EQ(listen(listening->fileDescriptor(), 1), 0);
   EXPECT_EQ(reasonOfException(listening), reasonFor(EINVAL));
 }
