@@ -81,6 +81,21 @@ class PeriodTest(ToolTest):
         self.assertEqual(self.done("period", "first-day-of-year-with-delta", "--delta", "-3",
                                    "--date", "2024-03-12"), "2021-01-01T00:00:00+00:00\n")
 
+    def test_reads_what_it_prints_of_any_age(self):
+        for zone, date in [("UTC", "2024-01-01T00:00:00+00:00"),
+                           ("UTC", "-0976-01-01T00:00:00+00:00"),
+                           ("UTC", "0000-01-01T00:00:00+00:00"),
+                           ("UTC", "12024-01-01T00:00:00+00:00"),
+                           ("Europe/Berlin", "1850-01-01T00:00:00+00:53:28"),
+                           ("America/New_York", "1850-01-01T00:00:00-04:56:02")]:
+            with self.subTest(date=date):
+                self.assertEqual(self.done("period", "first-day-of-current-year", "--zone", zone,
+                                           "--date=" + date), date + "\n")
+
+    def test_prints_years_before_the_common_era_with_their_sign(self):
+        self.assertEqual(self.done("period", "first-day-of-year-with-delta", "--delta", "-3000",
+                                   "--date", "2024-03-12"), "-0976-01-01T00:00:00+00:00\n")
+
     def test_prints_json_with_the_calendars_fields(self):
         answer = json.loads(self.done("period", "first-day-of-current-month", "--json", "--date",
                                       "2024-02-20", "--calendar", "hebrew", "--zone",

@@ -44,12 +44,11 @@ Ref<NSDateFormatter> formatter(std::string_view pattern, const Ref<NSTimeZone>& 
   return made;
 }
 
-/// The zone of a final distance from UTC, "+05:30"; absent if there is none.
+/// The zone of a final distance from UTC, "+05:30" or "+00:53:28"; absent if there is none.
 Ref<NSTimeZone> zoneAtEnd(const std::string& text) {
-  constexpr std::size_t kLength = 6;
-  return text.size() < kLength
-             ? nullptr
-             : NSTimeZone::timeZoneWithName("GMT" + text.substr(text.size() - kLength));
+  const std::size_t sign = text.find_last_of("+-");
+  return sign == std::string::npos ? nullptr
+                                   : NSTimeZone::timeZoneWithName("GMT" + text.substr(sign));
 }
 
 /// A moment that says how far it is from UTC.
@@ -57,20 +56,20 @@ Ref<NSDate> readMoment(const std::string& text) {
   if (auto date = NSDateFormatter_RVFExtensions::RVF_RFC3339DateFormatter()->dateFromString(text))
     return date;
   const auto zone = zoneAtEnd(text);
-  return zone ? formatter("yyyy-MM-dd'T'HH:mm:ssxxx", zone)->dateFromString(text) : nullptr;
+  return zone ? formatter("uuuu-MM-dd'T'HH:mm:ssxxxxx", zone)->dateFromString(text) : nullptr;
 }
 
 /// A time that the zone's clock leaves out is none.
 Ref<NSDate> readDate(const std::string& text, const Ref<NSTimeZone>& zone) {
   if (auto date = readMoment(text)) return date;
-  for (const char* pattern : {"yyyy-MM-dd", "yyyy-MM-dd'T'HH:mm", "yyyy-MM-dd'T'HH:mm:ss"}) {
+  for (const char* pattern : {"uuuu-MM-dd", "uuuu-MM-dd'T'HH:mm", "uuuu-MM-dd'T'HH:mm:ss"}) {
     if (auto date = formatter(pattern, zone)->dateFromString(text)) return date;
   }
   return nullptr;
 }
 
 std::string isoText(const Ref<NSDate>& date, const Ref<NSTimeZone>& zone) {
-  return formatter("yyyy-MM-dd'T'HH:mm:ssxxx", zone)->stringFromDate(date).value_or("");
+  return formatter("uuuu-MM-dd'T'HH:mm:ssxxxxx", zone)->stringFromDate(date).value_or("");
 }
 
 nlohmann::json jsonOf(const PeriodOptions& options, const Ref<NSCalendar>& calendar,
