@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Platform/Time/ICUTimeZone.h"
 
+#include <unicode/ucal.h>
 #include <unicode/unistr.h>
 
 #include <cstdlib>
@@ -15,9 +16,15 @@ icu::UnicodeString unicode(std::string_view name) {
   return icu::UnicodeString::fromUTF8({name.data(), static_cast<std::int32_t>(name.size())});
 }
 
+/// What the library makes of any name that it does not know, and of this one itself.
+bool isUnknown(const icu::TimeZone& zone) {
+  icu::UnicodeString name;
+  return zone.getID(name) == icu::UnicodeString(UCAL_UNKNOWN_ZONE_ID);
+}
+
 std::unique_ptr<icu::TimeZone> newZone(std::string_view name) {
   std::unique_ptr<icu::TimeZone> zone(icu::TimeZone::createTimeZone(unicode(name)));
-  return zone && *zone != icu::TimeZone::getUnknown() ? std::move(zone) : nullptr;
+  return zone && !isUnknown(*zone) ? std::move(zone) : nullptr;
 }
 
 /// The zone that was asked for last: most ask for the same one again, and a copy takes a tenth of

@@ -5,6 +5,7 @@
 
 #include <limits>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "Platform/Runtime/NSCopying.h"
@@ -26,8 +27,10 @@ TEST(NSTimeZone, KnowsNamesAndDistances) {
 }
 
 TEST(NSTimeZone, HasNoZoneOfAnUnknownName) {
-  for (const char* name : {"", "Nowhere/Town", "Europe", "\xFF"})
+  for (const std::string_view name :
+       {"", "Nowhere/Town", "Europe", "europe/berlin", "Etc/Unknown", "GMT+25:00", "UTC+5", "\xFF"})
     EXPECT_EQ(NSTimeZone::timeZoneWithName(name), nullptr) << name;
+  EXPECT_EQ(NSTimeZone::timeZoneWithName(std::string_view("GMT\0+5", 6)), nullptr);
 }
 
 TEST(NSTimeZone, IsNamedByItsDistance) {
