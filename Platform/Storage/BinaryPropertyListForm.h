@@ -43,6 +43,10 @@ inline constexpr std::uint64_t kBinaryObjectCost = 24;
 inline constexpr std::uint64_t kBinaryUsualLimit = std::uint64_t{64} << 20;
 inline constexpr std::uint64_t kBinaryGrowthLimit = 64;
 
+/// Texts and data of more bytes are looked at once, however many collections share the object. To
+/// remember shorter ones would take longer than to look at them again.
+inline constexpr std::size_t kLongLeaf = 256;
+
 /// What passing a leaf costs that has so many bytes of content, its head not counted.
 constexpr std::uint64_t costOfLeaf(std::uint64_t bytesOfContent) noexcept {
   return kBinaryObjectCost + bytesOfContent;

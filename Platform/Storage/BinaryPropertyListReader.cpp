@@ -108,6 +108,15 @@ class Reader final {
     return problem_.empty();
   }
 
+  /// Whether the object may be the key of one more entry, for which all of its bytes are looked at:
+  /// a long key may be that of any number of dictionaries.
+  bool canBeKey(const Slot& key) {
+    if (!textOfObject(*key.object)) fail("a key that is no text");
+    hashed_ = addedCost(hashed_, key.cost);
+    if (unfoldsTooFar(hashed_, bytes_.size())) fail("unfolds too far");
+    return problem_.empty();
+  }
+
   /// Reads the object unless it has been. Null if that fails.
   const Slot* slotOf(std::uint64_t number, std::size_t depth) {
     if (number >= trailer_.objectCount) return fail("a reference to no object");
@@ -254,14 +263,14 @@ class Reader final {
   }
 
   /// The element at this position among the references of `collection`. Null if that fails.
-  const id* elementOf(std::string_view references, std::uint64_t position, Slot& collection,
-                      std::size_t depth) {
+  const Slot* elementOf(std::string_view references, std::uint64_t position, Slot& collection,
+                        std::size_t depth) {
     const std::size_t size = trailer_.referenceSize;
     const Slot* slot = slotOf(bigEndian(references.substr(position * size, size)), depth);
     if (!slot) return nullptr;
     collection.cost = addedCost(collection.cost, slot->cost);
     collection.height = std::max(collection.height, slot->height);
-    return &slot->object;
+    return slot;
   }
 
   id arrayOf(const ObjectHead& head, Slot& slot, std::size_t depth) {
@@ -270,9 +279,9 @@ class Reader final {
     std::vector<id> objects;
     objects.reserve(head.count);
     for (std::uint64_t i = 0; i < head.count; ++i) {
-      const id* element = elementOf(*references, i, slot, depth);
+      const Slot* element = elementOf(*references, i, slot, depth);
       if (!element) return nullptr;
-      objects.push_back(*element);
+      objects.push_back(element->object);
     }
     return NSArray::arrayWithObjects(std::move(objects));
   }
@@ -283,12 +292,11 @@ class Reader final {
     NSDictionary::Entries entries;
     entries.reserve(head.count);
     for (std::uint64_t i = 0; i < head.count; ++i) {
-      const id* key = elementOf(*references, i, slot, depth);
-      if (!key) return nullptr;
-      if (!textOfObject(**key)) return fail("a key that is no text");
-      const id* value = elementOf(*references, head.count + i, slot, depth);
+      const Slot* key = elementOf(*references, i, slot, depth);
+      if (!key || !canBeKey(*key)) return nullptr;
+      const Slot* value = elementOf(*references, head.count + i, slot, depth);
       if (!value) return nullptr;
-      entries.insert_or_assign(*key, *value);
+      entries.insert_or_assign(key->object, value->object);
     }
     return std::make_shared<NSDictionary>(std::move(entries));
   }
@@ -297,7 +305,8 @@ class Reader final {
   const Trailer trailer_;
   const ArchiveReferences references_;
   std::vector<Slot> slots_;
-  std::uint64_t taken_ = 0;  // by all objects that were read, see canTake
+  std::uint64_t taken_ = 0;   // by all objects that were read, see canTake
+  std::uint64_t hashed_ = 0;  // of all entries' keys, see canBeKey
   std::string problem_;
 };
 

@@ -17,7 +17,8 @@ enum class ArchiveReferences { refused, allowed };
 /// Absent, with `problem` saying why, if an offset, length or reference leads out of the file, a
 /// key is no text, an ASCII text none, an object of an unknown kind or contained in itself; if
 /// collections stand more than `kDeepestPropertyList` deep in one another; or if whoever walks the
-/// whole would come by more than 64 MB, or 32 times the file, because objects are shared.
+/// whole would come by more than 64 MB, and 64 times the file, because objects are shared. Time and
+/// memory stay within the same limits.
 id readBinaryPropertyList(std::string_view bytes, ArchiveReferences references,
                           std::string& problem);
 

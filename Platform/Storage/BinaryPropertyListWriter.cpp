@@ -188,9 +188,25 @@ class Writer final {
     if (kind == PropertyListKind::array || kind == PropertyListKind::dictionary) {
       return addCollection(*object, kind, depth);
     }
+    if (!isLong(*object, kind)) return addLeaf(*object, kind);
+    if (const auto known = longLeaves_.find(object.get()); known != longLeaves_.end())
+      return known->second;
+    const auto added = addLeaf(*object, kind);
+    if (added) longLeaves_.emplace(object.get(), *added);
+    return added;
+  }
+
+  static bool isLong(const NSObject& object, PropertyListKind kind) noexcept {
+    if (kind == PropertyListKind::text)
+      return static_cast<const NSString&>(object).string().size() > kLongLeaf;
+    return kind == PropertyListKind::data &&
+           static_cast<const NSData&>(object).length() > kLongLeaf;
+  }
+
+  std::optional<Added> addLeaf(const NSObject& object, PropertyListKind kind) {
     const std::uint64_t number = offsets_.size();
     offsets_.push_back(bytes_.size());
-    if (!appendLeaf(*object, kind)) return std::nullopt;
+    if (!appendLeaf(object, kind)) return std::nullopt;
     lengths_.resize(number);  // collections since the last leaf have none
     lengths_.push_back(bytes_.size() - offsets_.back());
     const Extent extent{0, costOfLeaf(lengths_.back() - headSizeOf(leaf(number)))};
@@ -333,6 +349,7 @@ class Writer final {
   std::vector<std::size_t> lengths_;    // of leaves, by number
   std::unordered_set<std::uint64_t, LeafHash, LeafEqual> leaves_{0, LeafHash{this},
                                                                  LeafEqual{this}};
+  std::unordered_map<const NSObject*, Added> longLeaves_;
   std::vector<Collection> collections_;
   std::unordered_map<const NSObject*, std::size_t> byObject_;
   std::vector<std::uint64_t> numbers_;  // the references of all collections

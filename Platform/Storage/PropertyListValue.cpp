@@ -7,6 +7,7 @@
 #include <string>
 #include <typeinfo>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -74,7 +75,7 @@ class Snapshots final {
         return copyOfCollection(object, kind, depth);
       case PropertyListKind::text: {
         const std::string& text = static_cast<const NSString&>(*object).string();
-        requireText(text);
+        if (text.size() <= kLongLeaf || longTexts_.insert(object.get()).second) requireText(text);
         return {object, costOfLeaf(text.size())};
       }
       case PropertyListKind::data:
@@ -138,6 +139,7 @@ class Snapshots final {
   }
 
   std::unordered_map<const NSObject*, Copy> copies_;
+  std::unordered_set<const NSObject*> longTexts_;  // that were looked at
 };
 
 /// XML 1.0, 2.2: everything but most controls and the two last code points of the first plane.

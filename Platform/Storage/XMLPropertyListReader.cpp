@@ -3,7 +3,6 @@
 
 #include <libxml/xmlreader.h>
 
-#include <limits>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -187,7 +186,7 @@ class Reader final {
 }  // namespace
 
 id readXMLPropertyList(std::string_view bytes, std::string& problem) {
-  if (bytes.size() > static_cast<std::size_t>(std::numeric_limits<int>::max())) {
+  if (bytes.size() > kLongestXMLPropertyList) {
     problem = "too long";
     return nullptr;
   }

@@ -16,6 +16,7 @@
 #include "Platform/Storage/BinaryPropertyListWriter.h"
 #include "Platform/Storage/PropertyListError.h"
 #include "Platform/Storage/PropertyListValue.h"
+#include "Platform/Storage/XMLPropertyListReader.h"
 #include "Platform/Values/NSArray.h"
 #include "Platform/Values/NSData.h"
 #include "Platform/Values/NSDate.h"
@@ -119,6 +120,7 @@ class NodeMaker final {
     for (const auto& [key, value] : dictionary) {
       const std::string* text = textOfObject(*key);
       if (!text) return refuse("a key that is no text");
+      if (!canTake(costOfLeaf(text->size()))) return nullptr;
       const std::string_view problem = problemOfText(*text, NSPropertyListFormat::xml);
       if (!problem.empty()) return refuse(problem);
       Node child = nodeOf(value, depth + 1);
@@ -159,7 +161,11 @@ std::string writtenXMLPropertyList(const id& root, std::string& problem) {
   std::uint32_t length = 0;
   plist_to_xml(tree.get(), &bytes, &length);
   const std::unique_ptr<char, decltype(&std::free)> owner(bytes, &std::free);
-  return withEscapedReturns({bytes ? bytes : "", bytes ? length : 0});
+  // The length wraps around at 4 GB; the end does not.
+  std::string xml = withEscapedReturns(bytes ? bytes : "");
+  if (xml.size() <= kLongestXMLPropertyList) return xml;
+  problem = "too long";
+  return {};
 }
 
 }  // namespace rvf

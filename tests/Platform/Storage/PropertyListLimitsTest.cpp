@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "Platform/Values/NSArray.h"
+#include "Platform/Values/NSDictionary.h"
 #include "Platform/Values/NSNumber.h"
 #include "Platform/Values/NSString.h"
 #include "tests/Platform/Storage/PropertyListBytes.h"
@@ -142,6 +143,47 @@ TEST(PropertyListLimits, RefusesObjectsThatOverlapBeforeTheyTakeMemory) {
   struct rusage last = {};
   ASSERT_EQ(getrusage(RUSAGE_SELF, &last), 0);
   EXPECT_LT(last.ru_maxrss - first.ru_maxrss, 500'000) << "KB; it would be 2 GB";
+}
+
+/// A dictionary of so many entries that all have the same key.
+std::string sameKeys(std::size_t count, std::size_t bytesOfKey) {
+  std::string bytes = "bplist00\xDF\x12" + word(count, 4);
+  bytes.append(count, '\x01').append(count, '\x02');
+  const std::size_t key = bytes.size();
+  bytes += "\x5F\x12" + word(bytesOfKey, 4) + std::string(bytesOfKey, 'k');
+  const std::size_t truth = bytes.size();
+  bytes += '\x09';
+  const std::size_t table = bytes.size();
+  for (const std::size_t place : {std::size_t{8}, key, truth})
+    bytes += word(place, 4);
+  return bytes + std::string(6, '\0') + "\4\1" + word(3, 8) + word(0, 8) + word(table, 8);
+}
+
+TEST(PropertyListLimits, LongKeysOfManyEntriesAreRefusedBeforeTheyTakeTime) {
+  EXPECT_EQ(read(sameKeys(1000, 1000))->description(), "{" + std::string(1000, 'k') + " = 1;}");
+  expectRefused(sameKeys(1'000'000, 4'000'000));  // 4 TB to look at
+}
+
+TEST(PropertyListLimits, LongLeavesThatManyShareAreLookedAtOnce) {
+  const std::string bytes(4'000'000, 'x');
+  for (const id& leaf : {id(box(bytes)), id(NSData::dataWithBytes(bytes))}) {
+    const id few = NSArray::arrayWithObjects(std::vector<id>(10, leaf));
+    const std::string list = written(few, NSPropertyListFormat::binary);
+    EXPECT_LT(list.size(), 4'000'200U);
+    EXPECT_TRUE(objectsAreEqual(read(list), few));
+    const id many = NSArray::arrayWithObjects(std::vector<id>(1'000'000, leaf));
+    EXPECT_EQ(written(many, NSPropertyListFormat::binary), "");  // 4 TB to look at
+  }
+}
+
+TEST(PropertyListLimits, XMLCountsTheKeysOfWhatIsShared) {
+  const id row = NSDictionary::dictionaryWithEntries({{std::string(1'000'000, 'k'), box(true)}});
+  EXPECT_NE(written(NSArray::arrayWithObjects({row, row}), NSPropertyListFormat::xml), "");
+  const id rows = NSArray::arrayWithObjects(std::vector<id>(3000, row));
+  Ref<NSError> error;
+  EXPECT_FALSE(
+      NSPropertyListSerialization::dataWithPropertyList(rows, NSPropertyListFormat::xml, &error));
+  EXPECT_EQ(error->code(), 3851) << "it would be 3 GB";
 }
 
 }  // namespace
