@@ -11,9 +11,11 @@
 #include <string_view>
 #include <utility>
 
+#include "Platform/Storage/BinaryPropertyListWriter.h"
 #include "Platform/Storage/FileContents.h"
 #include "Platform/Storage/NSPropertyListSerialization.h"
 #include "Platform/Storage/PropertyListError.h"
+#include "Platform/Values/NSString.h"
 
 namespace rvf {
 namespace {
@@ -170,10 +172,18 @@ bool DefaultsFile::writeWhole(int descriptor, std::string_view bytes) {
 }
 
 bool DefaultsFile::write(const NSDictionary& contents) {
-  const auto data = NSPropertyListSerialization::dataWithPropertyList(
-      std::const_pointer_cast<NSObject>(contents.shared_from_this()), NSPropertyListFormat::binary,
-      &error_);
-  if (!data) return false;
+  std::string problem;
+  const std::string bytes =
+      writtenBinaryPropertyList(std::const_pointer_cast<NSObject>(contents.shared_from_this()),
+                                ArchiveReferences::refused, problem);
+  if (bytes.empty()) {
+    error_ = NSError::errorWithDomain(
+        NSCocoaErrorDomain, NSPropertyListWriteInvalidError,
+        NSDictionary::dictionaryWithEntries(
+            {{NSFilePathErrorKey, box(path_)},
+             {"NSDebugDescription", box("the values of all keys together: " + problem)}}));
+    return false;
+  }
   const std::string path = path_ + ".new";
   const OwnedDescriptor file(
       ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, kOwnerOnly));
@@ -181,8 +191,7 @@ bool DefaultsFile::write(const NSDictionary& contents) {
   OwnedDescriptor kept(file ? ::open(path.c_str(), O_RDONLY | O_CLOEXEC) : -1);
   struct stat status = {};
   const bool isWritten = file && kept && fchmod(file.get(), kOwnerOnly) == 0 &&
-                         writeWhole(file.get(), data->characters()) &&
-                         fstat(file.get(), &status) == 0 &&
+                         writeWhole(file.get(), bytes) && fstat(file.get(), &status) == 0 &&
                          rename(path.c_str(), path_.c_str()) == 0;
   if (!isWritten) {
     failWriting(path);

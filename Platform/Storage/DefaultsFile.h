@@ -56,8 +56,8 @@ class DefaultsFile final {
   /// none if that fails, see `error`.
   OwnedDescriptor lock();
 
-  /// Replaces the file (mode 0600), durably. To be called with the lock held. On failure the old
-  /// file stands.
+  /// Replaces the file (mode 0600), durably. To be called with the lock held. Fails also if the
+  /// values together are no property list that could be read again. On failure the old file stands.
   bool write(const NSDictionary& contents);
 
   /// Renames the file to FILE.damaged-N and answers the new name; absent if that fails, see

@@ -36,7 +36,9 @@ class DefaultsStore;
 /// another's keys: only keys that were set or removed here since the last synchronization replace
 /// the file's, of which the later writer's counts. A file that is no property list is renamed to
 /// "defaults.plist.damaged-1" (2, 3, …) with one line in the log, and the defaults start empty.
-/// One that cannot be read is left alone, and `synchronize` fails.
+/// One that cannot be read is left alone, and `synchronize` fails. So it does, with
+/// `NSPropertyListWriteInvalidError`, while the values of many keys, each of which may be set,
+/// share so much that together they unfold too far for a property list: values that go make room.
 ///
 /// Thread-safe: any thread may call anything at any time. A reading sees all of a value, the one
 /// from before or after a change that another thread is making; `synchronize` and

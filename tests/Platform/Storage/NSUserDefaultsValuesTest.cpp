@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 #include <utility>
 #include <vector>
@@ -133,6 +134,47 @@ TEST_F(NSUserDefaultsValuesTest, SharedCollectionsCountWithTheirDeepestPlace) {
   EXPECT_TRUE(defaults_->synchronize());
   EXPECT_EQ(nameOfException([&] { defaults_->setObject(sharing(155), "k"); }),
             NSInvalidArgumentException);
+}
+
+TEST_F(NSUserDefaultsValuesTest, KeysThatTogetherUnfoldTooFarFailUntilSomeAreGone) {
+  id tree = NSArray::array();
+  for (int i = 0; i < 20; ++i)
+    tree = NSArray::arrayWithObjects({tree, tree});  // 2 million collections: each key may have it
+  const auto nameOf = [](int number) { return "key " + std::to_string(number); };
+  for (int number = 0; number < 10'000; ++number)
+    defaults_->setObject(tree, nameOf(number));
+  EXPECT_FALSE(defaults_->synchronize());
+  const auto error = defaults_->synchronizationError();
+  ASSERT_TRUE(error);
+  EXPECT_EQ(error->domain(), NSCocoaErrorDomain);
+  EXPECT_EQ(error->code(), 3851);
+  EXPECT_EQ(error->userInfo()->textForKey("NSDebugDescription"),
+            "the values of all keys together: unfolds too far");
+  EXPECT_FALSE(std::filesystem::exists(path_));
+  for (int number = 1; number < 10'000; ++number)
+    defaults_->setInteger(number, nameOf(number));
+  EXPECT_TRUE(defaults_->synchronize());
+  EXPECT_FALSE(defaults_->synchronizationError());
+  EXPECT_EQ(open()->integerForKey("key 9999"), 9999);
+}
+
+TEST_F(NSUserDefaultsValuesTest, KeysThatUnfoldTooFarWithThoseOfOthersReplaceNothing) {
+  id tree = NSArray::array();
+  for (int i = 0; i < 20; ++i)
+    tree = NSArray::arrayWithObjects({tree, tree});
+  defaults_->setObject(tree, "mine");
+  EXPECT_TRUE(defaults_->synchronize());
+  const std::string before = bytesOf(path_);
+  const auto other = open();
+  other->setObject(tree, "theirs");
+  EXPECT_FALSE(other->performExclusively([&] { other->setInteger(1, "n"); }));
+  EXPECT_EQ(bytesOf(path_), before);
+  EXPECT_EQ(other->integerForKey("n"), 1);
+  other->removeObjectForKey("mine");
+  EXPECT_TRUE(other->synchronize());
+  EXPECT_TRUE(defaults_->synchronize());
+  EXPECT_FALSE(defaults_->objectForKey("mine"));
+  EXPECT_EQ(defaults_->integerForKey("n"), 1);
 }
 
 }  // namespace
