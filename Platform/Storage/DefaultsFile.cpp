@@ -46,10 +46,11 @@ std::string folderOf(const std::string& path) {
   return folder.empty() ? "." : folder.string();
 }
 
-/// The names in the folder reach the disk with it.
+/// The names in the folder reach the disk with it. Some file systems cannot do that for folders at
+/// all, and say EINVAL: there it has to do without.
 bool makeDurable(const std::string& folder) {
   const OwnedDescriptor opened(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  return opened && fsync(opened.get()) == 0;
+  return opened && (fsync(opened.get()) == 0 || errno == EINVAL);
 }
 
 /// A folder whose name may get lost is removed again: the next attempt would take it for durable.

@@ -35,7 +35,8 @@ struct Recorder {
 
   static thread_local Recorder* current;
   std::vector<std::string> calls;
-  std::string failing;         // the call that fails with EIO, as it is recorded
+  std::string failing;         // the call that fails, as it is recorded
+  int problem = EIO;           // why it fails
   bool isOutOfMemory = false;  // fsync throws
   bool refusesNoReplace = false;
 };
@@ -52,7 +53,7 @@ extern "C" RVF_EXPORT int fsync(int descriptor) {
     Recorder::record("fsync",
                      std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(descriptor)));
     if (recorder->calls.back() == recorder->failing) {
-      errno = EIO;
+      errno = recorder->problem;
       return -1;
     }
   }
@@ -114,6 +115,35 @@ TEST_F(DefaultsFileDurabilityTest, AFolderThatIsNotDurableFailsTheSynchronizatio
   }
   recorder.failing.clear();
   EXPECT_TRUE(defaults_->synchronize());
+}
+
+TEST_F(DefaultsFileDurabilityTest, AFolderThatTheDiskCannotSynchronizeIsDoneWithout) {
+  for (const std::string& folder : {top_, std::string("config"), std::string("till")}) {
+    std::filesystem::remove_all(folder_.file("config"));
+    defaults_->setInteger(1, folder);
+    Recorder recorder;
+    recorder.failing = "fsync " + folder;
+    recorder.problem = EINVAL;
+    EXPECT_TRUE(defaults_->synchronize()) << folder;
+    EXPECT_EQ(NSUserDefaults::userDefaultsWithFile(path_)->integerForKey(folder), 1);
+  }
+}
+
+TEST_F(DefaultsFileDurabilityTest, AFileThatIsNotDurableReplacesNothing) {
+  defaults_->setInteger(1, "a");
+  EXPECT_TRUE(defaults_->synchronize());
+  const std::string before = bytesOf(path_);
+  defaults_->setInteger(2, "a");
+  for (const int problem : {EIO, EINVAL}) {
+    Recorder recorder;
+    recorder.failing = "fsync defaults.plist.new";
+    recorder.problem = problem;
+    EXPECT_FALSE(defaults_->synchronize());
+    EXPECT_EQ(bytesOf(path_), before);
+    EXPECT_FALSE(std::filesystem::exists(path_ + ".new"));
+  }
+  EXPECT_TRUE(defaults_->synchronize());
+  EXPECT_EQ(NSUserDefaults::userDefaultsWithFile(path_)->integerForKey("a"), 2);
 }
 
 TEST_F(DefaultsFileDurabilityTest, AnExceptionLosesNoChange) {
