@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Calendar periods against the same calls of ICU's calendar, making a calendar against copying one
-// of ICU's, RFC 3339 timestamps against ICU's formatter kept from one to the next, and what looking
-// a column up takes. "of_icu_speed" is our speed as a multiple of ICU's; both take turns within one
-// measurement.
+// Calendar periods beside the same calls of ICU's calendar, making a calendar beside copying one of
+// ICU's, RFC 3339 timestamps beside ICU's formatter kept from one to the next, and what looking a
+// column up takes.
 
 #include <benchmark/benchmark.h>
 #include <unicode/calendar.h>
@@ -22,7 +21,7 @@
 #include "RVFoundation/PlatformUtilities/NSCalendar-RVFExtensions.h"
 #include "RVFoundation/PlatformUtilities/NSDateFormatter-RVFExtensions.h"
 #include "RVFoundation/PlatformUtilities/RVFColumnWidthRegistry.h"
-#include "benchmarks/Turns.h"
+#include "benchmarks/Measure.h"
 
 namespace rvf {
 namespace {
@@ -92,9 +91,15 @@ double rawFirstDayOfNextYear(icu::Calendar& calendar, double milliseconds) {
   return calendar.getTime(status);
 }
 
-void comparePeriod(benchmark::State& state, Period period, RawPeriod rawPeriod) {
+Ref<NSCalendar> calendarOfZone() {
   const auto calendar = NSCalendar::calendarWithIdentifier(NSCalendarIdentifierGregorian);
   calendar->setTimeZone(NSTimeZone::timeZoneWithName(kZone));
+  return calendar;
+}
+
+template <Period period, RawPeriod rawPeriod>
+void findPeriod(benchmark::State& state) {
+  const auto calendar = calendarOfZone();
   const auto raw = rawCalendar();
   const auto all = dates();
   for (std::size_t i = 0; i < all.size(); ++i) {
@@ -102,50 +107,57 @@ void comparePeriod(benchmark::State& state, Period period, RawPeriod rawPeriod) 
     if (period(calendar, all[i])->timeIntervalSince1970() != milliseconds / 1000)
       state.SkipWithError("the dates differ");
   }
-  const auto ours = [&] {
+  const auto findAll = [&] {
     for (const Ref<NSDate>& date : all)
       benchmark::DoNotOptimize(period(calendar, date));
   };
-  const auto theirs = [&] {
+  measure(state, findAll, kDates);
+}
+
+template <RawPeriod rawPeriod>
+void findRawPeriod(benchmark::State& state) {
+  const auto raw = rawCalendar();
+  const auto findAll = [&] {
     for (const double milliseconds : moments())
       benchmark::DoNotOptimize(rawPeriod(*raw, milliseconds));
   };
-  for (auto _ : state)
-    ours();
-  state.SetItemsProcessed(state.iterations() * kDates);
-  state.counters["of_icu_speed"] = relativeSpeed(ours, theirs);
+  measure(state, findAll, kDates);
 }
 
-BENCHMARK_CAPTURE(comparePeriod, firstDayOfWeek, &RVF_firstDayOfWeekForDate, &rawFirstDayOfWeek);
-BENCHMARK_CAPTURE(comparePeriod, firstDayOfPreviousWeek, &RVF_firstDayOfPreviousWeekForDate,
-                  &rawFirstDayOfPreviousWeek);
-BENCHMARK_CAPTURE(comparePeriod, lastDayOfCurrentMonth, &RVF_lastDayOfCurrentMonthForDate,
-                  &rawLastDayOfMonth);
-BENCHMARK_CAPTURE(comparePeriod, firstDayOfNextYear, &RVF_firstDayOfNextYearForDate,
-                  &rawFirstDayOfNextYear);
+BENCHMARK(findPeriod<&RVF_firstDayOfWeekForDate, &rawFirstDayOfWeek>)
+    ->Name("first day of the week/ours");
+BENCHMARK(findRawPeriod<&rawFirstDayOfWeek>)->Name("first day of the week/limit: ICU");
+BENCHMARK(findPeriod<&RVF_firstDayOfPreviousWeekForDate, &rawFirstDayOfPreviousWeek>)
+    ->Name("first day of the previous week/ours");
+BENCHMARK(findRawPeriod<&rawFirstDayOfPreviousWeek>)
+    ->Name("first day of the previous week/limit: ICU");
+BENCHMARK(findPeriod<&RVF_lastDayOfCurrentMonthForDate, &rawLastDayOfMonth>)
+    ->Name("last day of the month/ours");
+BENCHMARK(findRawPeriod<&rawLastDayOfMonth>)->Name("last day of the month/limit: ICU");
+BENCHMARK(findPeriod<&RVF_firstDayOfNextYearForDate, &rawFirstDayOfNextYear>)
+    ->Name("first day of next year/ours");
+BENCHMARK(findRawPeriod<&rawFirstDayOfNextYear>)->Name("first day of next year/limit: ICU");
 
-/// A calendar by its identifier against a copy of one that ICU made before, which is the least that
-/// a new calendar can cost. The default time zone is that of the device, found anew each time, or
-/// one that was set.
+/// The default time zone is that of the device, found anew each time, or one that was set.
 void makeCalendars(benchmark::State& state, const char* zone) {
   NSTimeZone::setDefaultTimeZone(zone ? NSTimeZone::timeZoneWithName(zone) : nullptr);
-  const auto raw = rawCalendar();
-  const auto ours = [] {
-    for (int i = 0; i < kDates; ++i)
-      benchmark::DoNotOptimize(NSCalendar::calendarWithIdentifier(NSCalendarIdentifierGregorian));
-  };
-  const auto theirs = [&] {
-    for (int i = 0; i < kDates; ++i)
-      benchmark::DoNotOptimize(std::unique_ptr<icu::Calendar>(raw->clone()));
-  };
-  for (auto _ : state)
-    ours();
-  state.SetItemsProcessed(state.iterations() * kDates);
-  state.counters["of_icu_speed"] = relativeSpeed(ours, theirs, 20);
+  measureResult(state,
+                [] { return NSCalendar::calendarWithIdentifier(NSCalendarIdentifierGregorian); });
   NSTimeZone::setDefaultTimeZone(nullptr);
 }
-BENCHMARK_CAPTURE(makeCalendars, inZoneOfDevice, nullptr);
-BENCHMARK_CAPTURE(makeCalendars, inZoneThatIsSet, kZone);
+
+/// The least that a new calendar can cost.
+void copyRawCalendars(benchmark::State& state) {
+  const auto raw = rawCalendar();
+  measureResult(state, [&] { return std::unique_ptr<icu::Calendar>(raw->clone()); });
+}
+
+BENCHMARK_CAPTURE(makeCalendars, device, nullptr)->Name("make a calendar, zone of the device/ours");
+BENCHMARK(copyRawCalendars)
+    ->Name("make a calendar, zone of the device/limit: a copy of one of ICU's");
+BENCHMARK_CAPTURE(makeCalendars, set, kZone)->Name("make a calendar, zone that is set/ours");
+BENCHMARK(copyRawCalendars)
+    ->Name("make a calendar, zone that is set/limit: a copy of one of ICU's");
 
 std::unique_ptr<icu::SimpleDateFormat> rawFormat() {
   UErrorCode status = U_ZERO_ERROR;
@@ -169,33 +181,60 @@ void writeTimestamps(benchmark::State& state) {
     if (formatter->stringFromDate(all[i]) != rawText(*format, moments()[i]))
       state.SkipWithError("the texts differ");
   }
-  const auto ours = [&] {
+  const auto writeAll = [&] {
     for (const Ref<NSDate>& date : all)
       benchmark::DoNotOptimize(formatter->stringFromDate(date));
   };
-  const auto theirs = [&] {
+  measure(state, writeAll, kDates);
+}
+BENCHMARK(writeTimestamps)->Name("write a timestamp/ours");
+
+void writeTimestampsRawly(benchmark::State& state) {
+  const auto format = rawFormat();
+  const auto writeAll = [&] {
     for (const double milliseconds : moments())
       benchmark::DoNotOptimize(rawText(*format, milliseconds));
   };
-  for (auto _ : state)
-    ours();
-  state.SetItemsProcessed(state.iterations() * kDates);
-  state.counters["of_icu_speed"] = relativeSpeed(ours, theirs);
+  measure(state, writeAll, kDates);
 }
-BENCHMARK(writeTimestamps);
+BENCHMARK(writeTimestampsRawly)->Name("write a timestamp/limit: ICU, formatter kept");
 
-void readTimestamps(benchmark::State& state) {
+std::vector<std::string> timestamps() {
   const auto formatter = NSDateFormatter_RVFExtensions::RVF_RFC3339DateFormatter();
   std::vector<std::string> texts;
   for (const Ref<NSDate>& date : dates())
     texts.push_back(formatter->stringFromDate(date).value());
-  for (auto _ : state) {
+  return texts;
+}
+
+void readTimestamps(benchmark::State& state) {
+  const auto formatter = NSDateFormatter_RVFExtensions::RVF_RFC3339DateFormatter();
+  const auto texts = timestamps();
+  const auto readAll = [&] {
     for (const std::string& text : texts)
       benchmark::DoNotOptimize(formatter->dateFromString(text));
-  }
-  state.SetItemsProcessed(state.iterations() * kDates);
+  };
+  measure(state, readAll, kDates);
 }
-BENCHMARK(readTimestamps);
+BENCHMARK(readTimestamps)->Name("read a timestamp/ours");
+
+void readTimestampsRawly(benchmark::State& state) {
+  const auto format = rawFormat();
+  const auto texts = timestamps();
+  for (std::size_t i = 0; i < texts.size(); ++i) {
+    UErrorCode status = U_ZERO_ERROR;
+    if (format->parse(icu::UnicodeString::fromUTF8(texts[i]), status) != moments()[i])
+      state.SkipWithError("the dates differ");
+  }
+  const auto readAll = [&] {
+    for (const std::string& text : texts) {
+      UErrorCode status = U_ZERO_ERROR;
+      benchmark::DoNotOptimize(format->parse(icu::UnicodeString::fromUTF8(text), status));
+    }
+  };
+  measure(state, readAll, kDates);
+}
+BENCHMARK(readTimestampsRawly)->Name("read a timestamp/limit: ICU, formatter kept");
 
 /// 40 tables of 25 columns, half of which leave two values to their table.
 Ref<NSDictionary> columnWidths() {
@@ -224,16 +263,13 @@ Ref<NSDictionary> columnWidths() {
 void lookColumnsUp(benchmark::State& state) {
   RVFColumnWidthRegistry registry;
   registry.setRegistry(columnWidths());
-  for (auto _ : state) {
+  const auto lookUp = [&] {
     benchmark::DoNotOptimize(registry.columnWidthInfoForKey("column 7", "table 3"));
     benchmark::DoNotOptimize(registry.columnWidthInfoForKey("column 24", "table 39"));
-  }
-  state.SetItemsProcessed(state.iterations() * 2);
-  state.counters["each"] =
-      benchmark::Counter(static_cast<double>(state.iterations()) * 2,
-                         benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+  };
+  measure(state, lookUp, 2);
 }
-BENCHMARK(lookColumnsUp);
+BENCHMARK(lookColumnsUp)->Name("look a column up/ours");
 
 }  // namespace
 }  // namespace rvf

@@ -3,30 +3,20 @@
 
 #include <benchmark/benchmark.h>
 
-#include "Platform/Runtime/NSObject.h"
-#include "benchmarks/Turns.h"
+#include "benchmarks/Measure.h"
 
 namespace rvf {
 
-/// An object with ten dynamic properties, "count" of type `long` in their middle, whose provider
-/// keeps each in a variable of its own, as the classes of the peers do.
-Ref<NSObject> objectWithDynamicProperties();
-
-/// One call of the setter of "count", and one of its getter.
-long setAndGetDynamicProperty(NSObject& object, long value);
-
-/// The time of our pair as a multiple of that of the peer's; they take turns.
-template <class Theirs>
-double timeOfPair(NSObject& object, Theirs theirs) {
-  constexpr long kPairs = 5'000;  // short, so that some round is undisturbed
-  const auto repeated = [](auto operation) {
-    return [operation] {
-      for (long i = 0; i < kPairs; ++i)
-        benchmark::DoNotOptimize(operation(i));
-    };
+/// Measures a function that sets a whole number and answers what it then gets, and refuses one that
+/// answers another.
+template <class SetAndGet>
+void measurePair(benchmark::State& state, SetAndGet setAndGet) {
+  long value = 0;
+  const auto runPair = [&] {
+    ++value;
+    if (setAndGet(value) != value) state.SkipWithError("another value");
   };
-  return 1 / relativeSpeed(repeated([&](long v) { return setAndGetDynamicProperty(object, v); }),
-                           repeated(theirs));
+  measure(state, runPair);
 }
 
 }  // namespace rvf

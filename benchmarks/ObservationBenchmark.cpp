@@ -1,15 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// Notifications against a signal library, key-value coding against a table of accessors, and what
-// announcing costs. "ratio" is the time of one operation divided by that of its limit measured in
-// the same run. Everything runs in a program that has had a second thread, as a client has: before
-// that, the C++ library counts references without atomic operations.
+// Notifications beside a vector of functions and a signal library, changes beside the plain setter
+// and that library, key-value coding beside a table of accessors. Everything runs in a program that
+// has had a second thread, as a client has: before that, the C++ library counts references without
+// atomic operations.
 
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
 #include <boost/signals2.hpp>
-#include <chrono>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -23,35 +22,17 @@
 #include "Platform/Observation/NSNotificationCenter.h"
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Values/NSNumber.h"
+#include "benchmarks/Measure.h"
 
 namespace rvf {
 namespace {
 
-template <class Operation>
-double nanosecondsOf(Operation operation, int calls) {
-  double best = 1e12;
-  for (int run = 0; run < 200; ++run) {  // short runs, so that some is undisturbed
-    const auto start = std::chrono::steady_clock::now();
-    for (int i = 0; i < calls; ++i)
-      operation();
-    const std::chrono::duration<double, std::nano> taken = std::chrono::steady_clock::now() - start;
-    best = std::min(best, taken.count() / calls);
-  }
-  return best;
-}
-
-/// Runs the operation under the benchmark's clock, and both operations in turn for the ratio.
-template <class Operation, class Limit>
-void compare(benchmark::State& state, Operation operation, Limit limit, int calls = 20'000) {
+/// Measures one delivery of something that delivers to `count` at once.
+template <class Work>
+void measureDelivery(benchmark::State& state, Work work, std::int64_t count = 1) {
   static const bool kHasHadAThread = (std::thread([] {}).join(), true);
   benchmark::DoNotOptimize(kHasHadAThread);
-  for (auto _ : state)
-    operation();
-  const double ours = nanosecondsOf(operation, calls);
-  const double limits = nanosecondsOf(limit, calls);
-  state.counters["ns"] = ours;
-  state.counters["limit_ns"] = limits;
-  state.counters["ratio"] = ours / limits;
+  measure(state, work, count);
 }
 
 /// Something with a plain and an announcing setter for the same member.
@@ -86,116 +67,168 @@ Class Till::classObject() {
   return kClass;
 }
 
-std::vector<Ref<Till>> tills(benchmark::State& state) {
+using Signal = boost::signals2::signal<void(const Ref<NSNotification>&)>;
+
+std::vector<Ref<Till>> tills(const benchmark::State& state) {
   std::vector<Ref<Till>> all;
   for (long i = 0; i < state.range(0); ++i)
     all.push_back(std::make_shared<Till>());
   return all;
 }
 
-/// The signal tracks its receivers, as the center does: neither calls what has died.
-void postAgainstTrackingSignal(benchmark::State& state) {
-  const auto center = std::make_shared<NSNotificationCenter>();
-  boost::signals2::signal<void(const Ref<NSNotification>&)> signal;
-  using Slot = decltype(signal)::slot_type;
-  const auto receivers = tills(state);
-  for (const auto& till : receivers) {
-    center->addObserver(till, SEL("hear:"), "drawer", nullptr);
-    signal.connect(Slot(&Till::hear, till.get(), boost::placeholders::_1).track_foreign(till));
-  }
+/// Posts once, checks that the last receiver heard it, and measures.
+template <class Post>
+void measurePost(benchmark::State& state, const std::vector<Ref<Till>>& receivers, Post post) {
   const auto notification = NSNotification::notificationWithName("drawer");
-  center->postNotification(notification);
-  signal(notification);
-  if (receivers.back()->heard() != 2) state.SkipWithError("another result");
-  compare(
-      state, [&] { center->postNotification(notification); }, [&] { signal(notification); },
-      static_cast<int>(20'000 / state.range(0)));
+  post(notification);
+  if (receivers.back()->heard() != 1) state.SkipWithError("not heard");
+  measureDelivery(
+      state, [&] { post(notification); }, state.range(0));
 }
-BENCHMARK(postAgainstTrackingSignal)->ArgName("observers")->Arg(10)->Arg(1'000);
 
-/// The signal calls whatever it was given: its receivers must outlive it.
-void postAgainstPlainSignal(benchmark::State& state) {
+void postByCenter(benchmark::State& state) {
   const auto center = std::make_shared<NSNotificationCenter>();
-  boost::signals2::signal<void(const Ref<NSNotification>&)> signal;
   const auto receivers = tills(state);
-  for (const auto& till : receivers) {
+  for (const auto& till : receivers)
     center->addObserver(till, SEL("hear:"), "drawer", nullptr);
-    signal.connect([raw = till.get()](const Ref<NSNotification>& posted) { raw->hear(posted); });
-  }
-  const auto notification = NSNotification::notificationWithName("drawer");
-  center->postNotification(notification);
-  signal(notification);
-  if (receivers.back()->heard() != 2) state.SkipWithError("another result");
-  compare(
-      state, [&] { center->postNotification(notification); }, [&] { signal(notification); },
-      static_cast<int>(20'000 / state.range(0)));
+  measurePost(state, receivers, [&](const auto& posted) { center->postNotification(posted); });
 }
-BENCHMARK(postAgainstPlainSignal)->ArgName("observers")->Arg(10)->Arg(1'000);
 
-void unobservedSetterAgainstPlainOne(benchmark::State& state) {
-  const auto till = std::make_shared<Till>();
-  compare(
-      state, [&] { till->setDrawer(8); }, [&] { till->setDrawerSilently(8); });
-}
-BENCHMARK(unobservedSetterAgainstPlainOne);
-
-/// A delivery of a change without values, and with the old and the new one.
-void observedSetterAgainstTrackingSignal(benchmark::State& state) {
-  const auto till = std::make_shared<Till>();
-  boost::signals2::signal<void(const Ref<NSNotification>&)> signal;
-  using Slot = decltype(signal)::slot_type;
+/// Neither thread-safe nor to be changed by what it calls.
+void postByVector(benchmark::State& state) {
+  std::vector<std::function<void(const Ref<NSNotification>&)>> functions;
   const auto receivers = tills(state);
-  const auto options = static_cast<NSKeyValueObservingOptions>(state.range(1));
-  for (const auto& receiver : receivers) {
-    addObserverForKeyPath(*till, receiver, "drawer", options);
+  for (const auto& till : receivers)
+    functions.emplace_back([raw = till.get()](const auto& posted) { raw->hear(posted); });
+  measurePost(state, receivers, [&](const auto& posted) {
+    for (const auto& function : functions)
+      function(posted);
+  });
+}
+
+/// Tracks its receivers, as the center does: neither calls what has died.
+void connectTracking(Signal& signal, const std::vector<Ref<Till>>& receivers) {
+  for (const auto& till : receivers) {
     signal.connect(
-        Slot(&Till::hear, receiver.get(), boost::placeholders::_1).track_foreign(receiver));
+        Signal::slot_type(&Till::hear, till.get(), boost::placeholders::_1).track_foreign(till));
   }
-  const auto notification = NSNotification::notificationWithName("drawer");
+}
+
+void postByTrackingSignal(benchmark::State& state) {
+  Signal signal;
+  const auto receivers = tills(state);
+  connectTracking(signal, receivers);
+  measurePost(state, receivers, [&](const auto& posted) { signal(posted); });
+}
+
+/// Calls whatever it was given: its receivers must outlive it.
+void postByPlainSignal(benchmark::State& state) {
+  Signal signal;
+  const auto receivers = tills(state);
+  for (const auto& till : receivers)
+    signal.connect([raw = till.get()](const Ref<NSNotification>& posted) { raw->hear(posted); });
+  measurePost(state, receivers, [&](const auto& posted) { signal(posted); });
+}
+
+void forCounts(benchmark::internal::Benchmark* each) {
+  each->ArgName("observers")->Arg(10)->Arg(1'000);
+}
+BENCHMARK(postByCenter)->Name("post/ours")->Apply(&forCounts);
+BENCHMARK(postByVector)->Name("post/limit: vector of functions")->Apply(&forCounts);
+BENCHMARK(postByTrackingSignal)->Name("post/peer: Boost.Signals2, tracking")->Apply(&forCounts);
+BENCHMARK(postByPlainSignal)->Name("post/peer: Boost.Signals2, not tracking")->Apply(&forCounts);
+
+void setUnobserved(benchmark::State& state) {
+  const auto till = std::make_shared<Till>();
+  measureDelivery(state, [&] { till->setDrawer(8); });
+}
+BENCHMARK(setUnobserved)->Name("announcing setter, unobserved/ours");
+
+void setPlainly(benchmark::State& state) {
+  const auto till = std::make_shared<Till>();
+  measureDelivery(state, [&] { till->setDrawerSilently(8); });
+}
+BENCHMARK(setPlainly)->Name("announcing setter, unobserved/limit: plain setter");
+
+/// A delivery of a change without values, or with the old and the new one.
+template <NSKeyValueObservingOptions options>
+void setObserved(benchmark::State& state) {
+  const auto till = std::make_shared<Till>();
+  const auto receivers = tills(state);
+  for (const auto& receiver : receivers)
+    addObserverForKeyPath(*till, receiver, "drawer", options);
   till->setDrawer(9);
-  signal(notification);
-  if (receivers.back()->heard() != 2) state.SkipWithError("another result");
-  compare(
-      state, [&] { till->setDrawer(8); }, [&] { signal(notification); },
-      static_cast<int>(20'000 / state.range(0)));
+  if (receivers.back()->heard() != 1) state.SkipWithError("not heard");
+  measureDelivery(
+      state, [&] { till->setDrawer(8); }, state.range(0));
   for (const auto& receiver : receivers)
     removeObserverForKeyPath(*till, receiver, "drawer");
 }
-BENCHMARK(observedSetterAgainstTrackingSignal)
-    ->ArgNames({"observers", "options"})
-    ->Args({1, 0})
-    ->Args({1, 3})
-    ->Args({10, 3})
-    ->Args({1'000, 3});
+
+void setAndSignal(benchmark::State& state) {
+  const auto till = std::make_shared<Till>();
+  Signal signal;
+  const auto receivers = tills(state);
+  connectTracking(signal, receivers);
+  const auto notification = NSNotification::notificationWithName("drawer");
+  const auto set = [&] {
+    till->setDrawerSilently(8);
+    signal(notification);
+  };
+  measureDelivery(state, set, state.range(0));
+}
+
+constexpr const char* kSignalPeer = "/peer: Boost.Signals2, tracking, no values";
+constexpr auto kNoValues = static_cast<NSKeyValueObservingOptions>(0);
+constexpr auto kBothValues = static_cast<NSKeyValueObservingOptions>(3);
+
+void forOneAndMany(benchmark::internal::Benchmark* each) {
+  each->ArgName("observers")->Arg(1)->Arg(1'000);
+}
+BENCHMARK(setObserved<kNoValues>)->Name("change without values/ours")->Apply(&forOneAndMany);
+BENCHMARK(setAndSignal)
+    ->Name(std::string("change without values") + kSignalPeer)
+    ->Apply(&forOneAndMany);
+BENCHMARK(setObserved<kBothValues>)->Name("change with values/ours")->Apply(&forOneAndMany);
+BENCHMARK(setAndSignal)
+    ->Name(std::string("change with values") + kSignalPeer)
+    ->Apply(&forOneAndMany);
+
+void readByKey(benchmark::State& state) {
+  const auto till = std::make_shared<Till>();
+  if (!objectsAreEqual(valueForKey(*till, "drawer"), box(7L))) state.SkipWithError("other value");
+  measureDelivery(state, [&] { benchmark::DoNotOptimize(valueForKey(*till, "drawer")); });
+}
+BENCHMARK(readByKey)->Name("read a number by key/ours");
 
 /// The limit: a table from name to a function that knows the type, and makes the same object.
-void valueForKeyAgainstTable(benchmark::State& state) {
+void readByTable(benchmark::State& state) {
   const auto till = std::make_shared<Till>();
   std::unordered_map<std::string_view, std::function<id(Till&)>> table;
   table["drawer"] = [](Till& object) { return box(object.drawer()); };
-  if (!objectsAreEqual(valueForKey(*till, "drawer"), table["drawer"](*till))) {
-    state.SkipWithError("another result");
-  }
-  compare(
-      state, [&] { benchmark::DoNotOptimize(valueForKey(*till, "drawer")); },
-      [&] { benchmark::DoNotOptimize(table.find("drawer")->second(*till)); });
+  measureDelivery(state, [&] { benchmark::DoNotOptimize(table.find("drawer")->second(*till)); });
 }
-BENCHMARK(valueForKeyAgainstTable);
+BENCHMARK(readByTable)->Name("read a number by key/limit: table of functions");
 
-void setValueForKeyAgainstTable(benchmark::State& state) {
+void writeByKey(benchmark::State& state) {
   const auto till = std::make_shared<Till>();
-  std::unordered_map<std::string_view, std::function<void(Till&, const id&)>> table;
-  table["drawer"] = [](Till& object, const id& value) {
-    object.setDrawer(std::static_pointer_cast<NSNumber>(value)->longValue());
-  };
   const id value = box(5L);
   setValueForKey(*till, value, "drawer");
-  if (till->drawer() != 5) state.SkipWithError("another result");
-  compare(
-      state, [&] { setValueForKey(*till, value, "drawer"); },
-      [&] { table.find("drawer")->second(*till, value); });
+  if (till->drawer() != 5) state.SkipWithError("another value");
+  measureDelivery(state, [&] { setValueForKey(*till, value, "drawer"); });
 }
-BENCHMARK(setValueForKeyAgainstTable);
+BENCHMARK(writeByKey)->Name("write a number by key/ours");
+
+void writeByTable(benchmark::State& state) {
+  const auto till = std::make_shared<Till>();
+  const id value = box(5L);
+  std::unordered_map<std::string_view, std::function<void(Till&, const id&)>> table;
+  table["drawer"] = [](Till& object, const id& number) {
+    object.setDrawer(std::static_pointer_cast<NSNumber>(number)->longValue());
+  };
+  measureDelivery(state, [&] { table.find("drawer")->second(*till, value); });
+}
+BENCHMARK(writeByTable)->Name("write a number by key/limit: table of functions");
 
 }  // namespace
 }  // namespace rvf

@@ -1,19 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Operations, retries and log calls, beside the bare main queue. `added_ns` is what a step takes
-// more than posting the same block to the main queue takes in the same program.
+// Operations, retries and log calls, beside the same blocks posted to the bare main queue.
 
 #include <benchmark/benchmark.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <chrono>
-#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
+#include <thread>
 
 #include "Platform/RunLoop/MainQueue.h"
 #include "Platform/RunLoop/ManualRunLoopClock.h"
@@ -23,78 +21,58 @@
 #include "Platform/System/SystemLog.h"
 #include "RVFoundation/BackgroundExecution/RVFRetryingBlockExecutor.h"
 #include "RVFoundation/BackgroundExecution/RVFRunLoopOperation.h"
+#include "benchmarks/Measure.h"
 
 namespace rvf {
 namespace {
-
-using Clock = std::chrono::steady_clock;
-using Nanoseconds = std::chrono::duration<double, std::nano>;
-
-constexpr int kRounds = 20;
 
 void turnUntilIdle(NSRunLoop& loop) {
   while (loop.turn()) {
   }
 }
 
-/// The best of some rounds, in nanoseconds a step.
-template <class Round>
-double bestStep(int steps, Round&& round) {
-  double best = 1e300;
-  for (int i = 0; i < kRounds; ++i) {
-    const auto start = Clock::now();
-    round();
-    best = std::min(best, Nanoseconds(Clock::now() - start).count() / steps);
-  }
-  return best;
+/// Gives `perform` the number of steps, and measures one of them.
+template <class Perform>
+void measureSteps(benchmark::State& state, Perform perform) {
+  const int steps = static_cast<int>(state.range(0));
+  measure(
+      state, [&] { perform(steps); }, steps);
 }
 
-double barePost(int steps) {
+void postToMainQueue(benchmark::State& state) {
   const auto loop = NSRunLoop::mainRunLoop();
-  return bestStep(steps, [&] {
+  measureSteps(state, [&](int steps) {
     int count = 0;
     for (int i = 0; i < steps; ++i)
       MainQueue::dispatch_async([&count] { ++count; });
     turnUntilIdle(*loop);
-    benchmark::DoNotOptimize(count);
+    if (count != steps) state.SkipWithError("a block did not run");
   });
 }
 
-/// Runs `perform(steps)` once an iteration and tells what a step adds to a bare post.
-template <class Perform>
-void measure(benchmark::State& state, double bare, Perform&& perform) {
-  const int steps = static_cast<int>(state.range(0));
-  double step = 1e300;
-  for (auto _ : state) {
-    const auto start = Clock::now();
-    perform(steps);
-    step = std::min(step, Nanoseconds(Clock::now() - start).count() / steps);
-  }
-  state.SetItemsProcessed(state.iterations() * steps);
-  state.SetComplexityN(steps);
-  state.counters["step_ns"] = step;
-  state.counters["bare_ns"] = bare;
-  state.counters["added_ns"] = step - bare;
-}
+constexpr const char* kBareQueue = "/limit: blocks of the main queue";
 
 void performMainQueueOperations(benchmark::State& state) {
   const auto loop = NSRunLoop::mainRunLoop();
   const auto queue = NSOperationQueue::mainQueue();
-  measure(state, barePost(static_cast<int>(state.range(0))), [&](int steps) {
+  measureSteps(state, [&](int steps) {
     int count = 0;
     for (int i = 0; i < steps; ++i)
       queue->addOperationWithBlock([&count] { ++count; });
     turnUntilIdle(*loop);
-    benchmark::DoNotOptimize(count);
+    if (count != steps) state.SkipWithError("an operation did not run");
   });
 }
-BENCHMARK(performMainQueueOperations)->Arg(1'000);
+BENCHMARK(performMainQueueOperations)->Name("operation of the main queue/ours")->Arg(1'000);
+BENCHMARK(postToMainQueue)
+    ->Name(std::string("operation of the main queue") + kBareQueue)
+    ->Arg(1'000);
 
 /// Each depends on the one before.
 void performChain(benchmark::State& state) {
   const auto loop = NSRunLoop::mainRunLoop();
   const auto queue = NSOperationQueue::mainQueue();
-  measure(state, barePost(static_cast<int>(state.range(0))), [&](int steps) {
+  measureSteps(state, [&](int steps) {
     int count = 0;
     Ref<NSOperation> last;
     for (int i = 0; i < steps; ++i) {
@@ -104,15 +82,22 @@ void performChain(benchmark::State& state) {
       last = next;
     }
     turnUntilIdle(*loop);
-    benchmark::DoNotOptimize(count);
+    if (count != steps) state.SkipWithError("an operation did not run");
   });
 }
-BENCHMARK(performChain)->RangeMultiplier(10)->Range(100, 100'000)->Complexity();
+BENCHMARK(performChain)
+    ->Name("chain of dependent operations/ours")
+    ->RangeMultiplier(10)
+    ->Range(1'000, 100'000);
+BENCHMARK(postToMainQueue)
+    ->Name(std::string("chain of dependent operations") + kBareQueue)
+    ->RangeMultiplier(10)
+    ->Range(1'000, 100'000);
 
 void performRunLoopOperations(benchmark::State& state) {
   const auto loop = NSRunLoop::mainRunLoop();
   const auto queue = NSOperationQueue::mainQueue();
-  measure(state, barePost(static_cast<int>(state.range(0))), [&](int steps) {
+  measureSteps(state, [&](int steps) {
     for (int i = 0; i < steps; ++i) {
       const auto operation = std::make_shared<RVFRunLoopOperation>();
       operation->setExecutionBlock(
@@ -122,36 +107,36 @@ void performRunLoopOperations(benchmark::State& state) {
     turnUntilIdle(*loop);
   });
 }
-BENCHMARK(performRunLoopOperations)->Arg(1'000);
+BENCHMARK(performRunLoopOperations)->Name("operation on the run loop/ours")->Arg(1'000);
+BENCHMARK(postToMainQueue)->Name(std::string("operation on the run loop") + kBareQueue)->Arg(1'000);
 
 void performOnWorkers(benchmark::State& state) {
   const auto queue = std::make_shared<NSOperationQueue>();
-  measure(state, barePost(static_cast<int>(state.range(0))), [&](int steps) {
+  measureSteps(state, [&](int steps) {
     for (int i = 0; i < steps; ++i)
       queue->addOperationWithBlock([] {});
     queue->waitUntilAllOperationsAreFinished();
   });
 }
-BENCHMARK(performOnWorkers)->Arg(1'000)->UseRealTime();
+BENCHMARK(performOnWorkers)->Name("operation on a worker/ours")->Arg(1'000)->UseRealTime();
 
-/// One attempt after another, each reported failed from a later block; beside delayed blocks that
-/// start each other.
+void runOnThreads(benchmark::State& state) {
+  measureSteps(state, [](int steps) {
+    for (int i = 0; i < steps; ++i)
+      std::thread([] {}).join();
+  });
+}
+BENCHMARK(runOnThreads)
+    ->Name("operation on a worker/limit: a thread each")
+    ->Arg(1'000)
+    ->UseRealTime();
+
+/// One attempt after another, each reported failed from a later block. Time is not waited for.
 void retry(benchmark::State& state) {
   const auto loop = NSRunLoop::mainRunLoop();
   const auto clock = std::make_shared<ManualRunLoopClock>();
   loop->setClock(clock);
-  const int count = static_cast<int>(state.range(0));
-  const double bare = bestStep(count, [&] {
-    int left = count;
-    std::function<void()> next = [&] {
-      if (--left == 0) return;
-      MainQueue::dispatch_async(
-          [&next] { MainQueue::dispatch_after(std::chrono::seconds(1), next); });
-    };
-    next();
-    clock->runLoopFor(*loop, std::chrono::seconds(count + 1));
-  });
-  measure(state, bare, [&](int steps) {
+  measureSteps(state, [&](int steps) {
     const auto executor = std::make_shared<RVFRetryingBlockExecutor>();
     int left = steps;
     executor->executeBlockUntilSuccess(
@@ -160,10 +145,31 @@ void retry(benchmark::State& state) {
         },
         nullptr);
     clock->runLoopFor(*loop, std::chrono::seconds(steps + 1));
+    if (left != 0) state.SkipWithError("an attempt is missing");
   });
   loop->setClock(nullptr);
 }
-BENCHMARK(retry)->Arg(1'000);
+BENCHMARK(retry)->Name("retry/ours")->Arg(1'000);
+
+/// Delayed blocks that start each other.
+void startDelayedBlocks(benchmark::State& state) {
+  const auto loop = NSRunLoop::mainRunLoop();
+  const auto clock = std::make_shared<ManualRunLoopClock>();
+  loop->setClock(clock);
+  measureSteps(state, [&](int steps) {
+    int left = steps;
+    std::function<void()> next = [&] {
+      if (--left == 0) return;
+      MainQueue::dispatch_async(
+          [&next] { MainQueue::dispatch_after(std::chrono::seconds(1), next); });
+    };
+    next();
+    clock->runLoopFor(*loop, std::chrono::seconds(steps + 1));
+    if (left != 0) state.SkipWithError("a block is missing");
+  });
+  loop->setClock(nullptr);
+}
+BENCHMARK(startDelayedBlocks)->Name("retry/limit: delayed blocks")->Arg(1'000);
 
 /// Its own socket, so that the machine needs no log.
 void logBelowTheMask(benchmark::State& state) {
@@ -174,13 +180,12 @@ void logBelowTheMask(benchmark::State& state) {
   const int listener = ::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
   ::bind(listener, reinterpret_cast<const sockaddr*>(&address), sizeof(address));
   const aslclient client = asl_open("benchmark", "user", 0, {path, path});
-  for (auto _ : state)
-    benchmark::DoNotOptimize(asl_log(client, 7, "nobody reads this"));
+  measureResult(state, [&] { return asl_log(client, 7, "nobody reads this"); });
   asl_close(client);
   ::close(listener);
   ::unlink(path.c_str());
 }
-BENCHMARK(logBelowTheMask);
+BENCHMARK(logBelowTheMask)->Name("log message that the mask holds back/ours");
 
 }  // namespace
 }  // namespace rvf

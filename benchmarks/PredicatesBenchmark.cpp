@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A search over 100,000 products: a predicate of two words and a price, against a loop over plain
-// records that is written for this one question, and against the same query in a database in memory
-// with a folding function of the same ICU calls. "of_loop_speed" and "of_sqlite_speed" are our
-// speed as a multiple of theirs; all take turns within one measurement, and find the same.
+// A search over 100,000 products: a predicate of two words and a price, beside a loop that is
+// written for this one question, and beside the same query in a database in memory with a folding
+// function of the same ICU calls. All find the same.
 
 #include <benchmark/benchmark.h>
 #include <sqlite3.h>
@@ -12,11 +11,8 @@
 #include <unicode/normalizer2.h>
 #include <unicode/uchar.h>
 
-#include <time.h>
-
 #include <algorithm>
 #include <cstdint>
-#include <limits>
 #include <memory>
 #include <random>
 #include <string>
@@ -30,6 +26,7 @@
 #include "Platform/Values/NSNumber.h"
 #include "Platform/Values/NSString.h"
 #include "RVFoundation/RuntimeServices/NSPredicate-RVFExtensions.h"
+#include "benchmarks/Measure.h"
 
 namespace rvf {
 namespace {
@@ -236,28 +233,6 @@ class Database final {
   sqlite3_stmt* query_ = nullptr;
 };
 
-/// The least CPU time of some rounds in nanoseconds. A round takes longer than a time slice, so the
-/// wall clock would measure what else the machine does.
-class LeastWork final {
- public:
-  template <class Operation>
-  void run(const Operation& operation) {
-    const double start = now();
-    operation();
-    nanoseconds_ = std::min(nanoseconds_, now() - start);
-  }
-  double nanoseconds() const noexcept { return nanoseconds_; }
-
- private:
-  static double now() {
-    timespec time{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) * 1e9 + static_cast<double>(time.tv_nsec);
-  }
-
-  double nanoseconds_ = std::numeric_limits<double>::infinity();
-};
-
 /// The dictionaries' own question by hand.
 std::size_t countInDictionaries() {
   std::size_t count = 0;
@@ -273,57 +248,50 @@ std::size_t countInDictionaries() {
   return count;
 }
 
-template <class ByHand>
-void compareSearches(benchmark::State& state, const Objects& objects, ByHand byHand) {
+/// Measures one record of a search that answers how many products it found.
+template <class Search>
+void measureSearch(benchmark::State& state, Search find) {
+  static const std::size_t kExpected = countByHand();
+  if (kExpected == 0 || find() != kExpected) state.SkipWithError("finds other products");
+  measureResult(state, find, kProducts);
+}
+
+template <const Objects& (*objects)()>
+void searchByPredicate(benchmark::State& state) {
   const auto predicate = search();
-  const Database database;
-  const std::size_t expected = countByHand();
-  if (expected == 0 || byHand() != expected || countByPredicate(objects, *predicate) != expected ||
-      database.count() != expected) {
-    state.SkipWithError("the searches find different products");
-    return;
-  }
-  for (auto _ : state)
-    benchmark::DoNotOptimize(countByPredicate(objects, *predicate));
-  state.SetItemsProcessed(state.iterations() * kProducts);
-  LeastWork ours;
-  LeastWork loop;
-  LeastWork query;
-  constexpr int kRounds = 15;
-  for (int round = 0; round < kRounds; ++round) {
-    ours.run([&] { benchmark::DoNotOptimize(countByPredicate(objects, *predicate)); });
-    loop.run([&] { benchmark::DoNotOptimize(byHand()); });
-    query.run([&] { benchmark::DoNotOptimize(database.count()); });
-  }
-  state.counters["found"] = static_cast<double>(expected);
-  state.counters["ns_a_record"] = ours.nanoseconds() / kProducts;
-  state.counters["of_loop_speed"] = loop.nanoseconds() / ours.nanoseconds();
-  state.counters["of_sqlite_speed"] = query.nanoseconds() / ours.nanoseconds();
+  measureSearch(state, [&] { return countByPredicate(objects(), *predicate); });
 }
 
-void searchDictionaries(benchmark::State& state) {
-  compareSearches(state, dictionaries(), &countInDictionaries);
+template <std::size_t (*count)()>
+void searchByHand(benchmark::State& state) {
+  measureSearch(state, count);
 }
-BENCHMARK(searchDictionaries)->Unit(benchmark::kMillisecond);
 
-void searchObjects(benchmark::State& state) {
-  compareSearches(state, products(), &countByHand);
+void searchByDatabase(benchmark::State& state) {
+  static const Database kDatabase;
+  measureSearch(state, [] { return kDatabase.count(); });
 }
-BENCHMARK(searchObjects)->Unit(benchmark::kMillisecond);
+
+BENCHMARK(searchByPredicate<&dictionaries>)->Name("search dictionaries/ours");
+BENCHMARK(searchByHand<&countInDictionaries>)
+    ->Name("search dictionaries/limit: a loop over the dictionaries");
+BENCHMARK(searchByDatabase)->Name("search dictionaries/peer: SQLite");
+BENCHMARK(searchByPredicate<&products>)->Name("search objects/ours");
+BENCHMARK(searchByHand<&countByHand>)->Name("search objects/limit: a loop over plain records");
+BENCHMARK(searchByDatabase)->Name("search objects/peer: SQLite");
 
 void parseFormat(benchmark::State& state) {
-  for (auto _ : state)
-    benchmark::DoNotOptimize(NSPredicate::predicateWithFormat(kQuery));
+  measureResult(state, [] { return NSPredicate::predicateWithFormat(kQuery); });
 }
-BENCHMARK(parseFormat);
+BENCHMARK(parseFormat)->Name("read a predicate/ours");
 
 void substituteTwoWords(benchmark::State& state) {
   const auto predicate = NSPredicate::predicateWithFormat(kQuery);
   const auto values = NSDictionary::dictionaryWithEntries({{"S", box(kSearch)}});
-  for (auto _ : state)
-    benchmark::DoNotOptimize(RVF_predicateWithMultiWordSubstitutionVariables(predicate, values));
+  measureResult(state,
+                [&] { return RVF_predicateWithMultiWordSubstitutionVariables(predicate, values); });
 }
-BENCHMARK(substituteTwoWords);
+BENCHMARK(substituteTwoWords)->Name("put two words into a predicate/ours");
 
 }  // namespace
 }  // namespace rvf

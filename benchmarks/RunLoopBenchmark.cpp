@@ -1,24 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Posting blocks to another thread's run loop, beside a queue written by hand on the same event
-// library, and how late a delayed block is.
-//
-// The argument of the posting benchmarks is the number of cores that the two threads may use. The
-// times are those of ours; `ratio` is our time over that of the queue by hand, each the best of
-// its rounds, and less than 1 means that ours is faster.
+// library, and how late a delayed block is. "cores" is the number of cores that the two threads may
+// use.
 
 #include <benchmark/benchmark.h>
 #include <pthread.h>
 #include <sched.h>
 #include <uv.h>
 
-#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <functional>
 #include <future>
-#include <limits>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -29,6 +24,7 @@
 #include "Platform/RunLoop/NSRunLoop.h"
 #include "Platform/RunLoop/NSThread.h"
 #include "RVFoundation/BackgroundExecution/NSThread-RVFExtensions.h"
+#include "benchmarks/Measure.h"
 
 namespace {
 
@@ -148,124 +144,90 @@ std::uint64_t postSum(Target& target, std::uint64_t count) {
   return sum;
 }
 
+/// The sender on the first core, the receiver on the last of those that it may use.
 template <class Target>
-double secondsToPost(Target& target) {
-  const auto start = Clock::now();
-  benchmark::DoNotOptimize(postSum(target, kBlocks));
-  return std::chrono::duration<double>(Clock::now() - start).count();
+void pinBoth(const benchmark::State& state, Target& target) {
+  pinToCore(pthread_self(), 0);
+  pinToCore(target.handle(), static_cast<std::size_t>(state.range(0) - 1));
 }
 
 template <class Target>
 void postBlocks(benchmark::State& state) {
-  Target ours;
-  QueueByHand byHand;
-  if (postSum(ours, 1'000) != postSum(byHand, 1'000)) return state.SkipWithError("unequal work");
-  pinToCore(pthread_self(), 0);
-  for (const pthread_t thread : {ours.handle(), byHand.handle()}) {
-    pinToCore(thread, static_cast<std::size_t>(state.range(0) - 1));
-  }
-  double bestOfOurs = std::numeric_limits<double>::max();
-  double bestByHand = bestOfOurs;
-  for (auto _ : state) {
-    bestByHand = std::min(bestByHand, secondsToPost(byHand));
-    const double seconds = secondsToPost(ours);
-    bestOfOurs = std::min(bestOfOurs, seconds);
-    state.SetIterationTime(seconds);
-  }
-  state.counters["ratio"] = bestOfOurs / bestByHand;
-  state.counters["ours_ns"] = bestOfOurs / kBlocks * 1e9;
-  state.counters["by_hand_ns"] = bestByHand / kBlocks * 1e9;
+  Target target;
+  pinBoth(state, target);
+  const auto post = [&] {
+    if (postSum(target, kBlocks) != kBlocks * (kBlocks + 1) / 2) state.SkipWithError("other sum");
+  };
+  rvf::measure(state, post, kBlocks);
 }
 
-BENCHMARK(postBlocks<RunLoopPost>)
-    ->Name("NSRunLoop performBlock")
-    ->Arg(1)
-    ->Arg(2)
-    ->UseManualTime()
-    ->Iterations(40)
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK(postBlocks<ThreadPerform>)
-    ->Name("RVF_performBlock")
-    ->Arg(1)
-    ->Arg(2)
-    ->UseManualTime()
-    ->Iterations(40)
-    ->Unit(benchmark::kMillisecond);
+void forCores(benchmark::internal::Benchmark* each) {
+  each->ArgName("cores")->Arg(1)->Arg(2)->UseRealTime();
+}
+BENCHMARK(postBlocks<RunLoopPost>)->Name("post a block/ours")->Apply(&forCores);
+BENCHMARK(postBlocks<QueueByHand>)
+    ->Name("post a block/limit: lock, vector and uv_async")
+    ->Apply(&forCores);
+BENCHMARK(postBlocks<ThreadPerform>)->Name("post by RVF_performBlock/ours")->Apply(&forCores);
+BENCHMARK(postBlocks<QueueByHand>)
+    ->Name("post by RVF_performBlock/limit: lock, vector and uv_async")
+    ->Apply(&forCores);
 
 /// There and back: the next block is posted when the last one has run.
 template <class Target>
-double secondsThereAndBack(Target& target, int count) {
+void thereAndBack(benchmark::State& state) {
+  Target target;
+  pinBoth(state, target);
   std::atomic<int> answered{0};
-  const auto start = Clock::now();
-  for (int i = 0; i < count; ++i) {
+  int count = 0;
+  const auto goAndReturn = [&] {
     target.post([&answered] {
       ++answered;
       answered.notify_one();
     });
-    answered.wait(i);
-  }
-  return std::chrono::duration<double>(Clock::now() - start).count() / count;
+    answered.wait(count++);
+  };
+  rvf::measure(state, goAndReturn);
 }
 
-void thereAndBack(benchmark::State& state) {
-  constexpr int kTimes = 2'000;
-  RunLoopPost ours;
-  QueueByHand byHand;
+BENCHMARK(thereAndBack<RunLoopPost>)->Name("there and back/ours")->Apply(&forCores);
+BENCHMARK(thereAndBack<QueueByHand>)
+    ->Name("there and back/limit: lock, vector and uv_async")
+    ->Apply(&forCores);
+
+/// Measures how long after its time `wait(delay)` comes back. One that is early fails.
+template <class Wait>
+void measureLateness(benchmark::State& state, Wait wait) {
+  const auto delay = std::chrono::microseconds(state.range(0));
   pinToCore(pthread_self(), 0);
-  for (const pthread_t thread : {ours.handle(), byHand.handle()}) {
-    pinToCore(thread, static_cast<std::size_t>(state.range(0) - 1));
-  }
-  double bestOfOurs = std::numeric_limits<double>::max();
-  double bestByHand = bestOfOurs;
-  for (auto _ : state) {
-    bestByHand = std::min(bestByHand, secondsThereAndBack(byHand, kTimes));
-    const double seconds = secondsThereAndBack(ours, kTimes);
-    bestOfOurs = std::min(bestOfOurs, seconds);
+  for ([[maybe_unused]] auto _ : state) {
+    const auto due = Clock::now() + delay;
+    wait(delay);
+    const double seconds = std::chrono::duration<double>(Clock::now() - due).count();
+    if (seconds < 0) return state.SkipWithError("early");
     state.SetIterationTime(seconds);
   }
-  state.counters["ratio"] = bestOfOurs / bestByHand;
-  state.counters["ours_us"] = bestOfOurs * 1e6;
-  state.counters["by_hand_us"] = bestByHand * 1e6;
 }
 
-BENCHMARK(thereAndBack)
-    ->Name("there and back")
-    ->Arg(1)
-    ->Arg(2)
-    ->UseManualTime()
-    ->Iterations(10)
-    ->Unit(benchmark::kMicrosecond);
-
-/// How long after its time a block runs. One that is early fails the benchmark.
 void lateness(benchmark::State& state) {
   const auto loop = rvf::NSRunLoop::currentRunLoop();
-  const auto delay = std::chrono::microseconds(state.range(0));
   const rvf::RunLoopModes modes{std::string(rvf::NSDefaultRunLoopMode)};
-  std::vector<double> late;
-  for (auto _ : state) {
-    const auto due = Clock::now() + delay;
-    double seconds = 0;
-    loop->performAfterDelay(std::chrono::duration<double>(delay).count(), modes, [&] {
-      seconds = std::chrono::duration<double>(Clock::now() - due).count();
-    });
+  measureLateness(state, [&](std::chrono::duration<double> delay) {
+    bool hasRun = false;
+    loop->performAfterDelay(delay.count(), modes, [&] { hasRun = true; });
     loop->runMode(rvf::NSDefaultRunLoopMode, Clock::time_point::max());
-    if (seconds < 0) return state.SkipWithError("a block ran early");
-    late.push_back(seconds);
-    state.SetIterationTime(seconds);
-  }
-  std::sort(late.begin(), late.end());
-  state.counters["median_us"] = late[late.size() / 2] * 1e6;
-  state.counters["p99_us"] = late[late.size() * 99 / 100] * 1e6;
-  state.counters["max_us"] = late.back() * 1e6;
+    if (!hasRun) state.SkipWithError("the block did not run");
+  });
 }
 
-BENCHMARK(lateness)
-    ->Name("lateness of a delay, in us")
-    ->Arg(1'000)
-    ->Arg(1'700)
-    ->Arg(10'000)
-    ->UseManualTime()
-    ->Iterations(300)
-    ->Unit(benchmark::kMicrosecond);
+void latenessOfSleep(benchmark::State& state) {
+  measureLateness(state, [](auto delay) { std::this_thread::sleep_for(delay); });
+}
+
+void forDelays(benchmark::internal::Benchmark* each) {
+  each->ArgName("us")->Arg(1'000)->Arg(10'000)->UseManualTime()->Iterations(20);
+}
+BENCHMARK(lateness)->Name("lateness of a delay/ours")->Apply(&forDelays);
+BENCHMARK(latenessOfSleep)->Name("lateness of a delay/limit: a sleeping thread")->Apply(&forDelays);
 
 }  // namespace

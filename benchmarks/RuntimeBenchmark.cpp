@@ -1,12 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// Messages against virtual calls, and release scopes. "ratio" is the time of one operation divided
-// by that of one virtual call (or of one allocation) measured in the same run.
+// Messages beside virtual calls, and release scopes beside bare allocations.
 
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
-#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -15,6 +12,7 @@
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/Messaging.h"
 #include "Platform/Runtime/NSAutoreleasePool.h"
+#include "benchmarks/Measure.h"
 
 namespace rvf {
 namespace {
@@ -60,74 +58,54 @@ Class classBelow(int depth) {
   return chain[static_cast<std::size_t>(depth)];
 }
 
-template <class Operation>
-double nanosecondsOf(Operation operation) {
-  constexpr int kCalls = 20'000;  // short, so that some run is undisturbed
-  double best = 1e9;
-  for (int run = 0; run < 200; ++run) {
-    const auto start = std::chrono::steady_clock::now();
-    for (int i = 0; i < kCalls; ++i)
-      operation();
-    const std::chrono::duration<double, std::nano> taken = std::chrono::steady_clock::now() - start;
-    best = std::min(best, taken.count() / kCalls);
-  }
-  return best;
-}
-
-/// Runs the operation under the benchmark's clock, and both operations in turn for the ratio.
-template <class Operation, class Limit>
-void compare(benchmark::State& state, Operation operation, Limit limit) {
-  for (auto _ : state)
-    operation();
-  state.counters["ratio"] = nanosecondsOf(operation) / nanosecondsOf(limit);
-}
-
-void virtualCall(benchmark::State& state) {
+void callVirtually(benchmark::State& state) {
   const auto counter = counterOf(classBelow(0));
-  for (auto _ : state)
-    benchmark::DoNotOptimize(counter->next());
+  measureResult(state, [&] { return counter->next(); });
 }
-BENCHMARK(virtualCall);
 
-void sendAgainstVirtualCall(benchmark::State& state) {
+void forDepths(benchmark::internal::Benchmark* each) {
+  each->ArgName("depth")->Arg(0)->Arg(1)->Arg(4)->Arg(16);
+}
+
+void sendMessage(benchmark::State& state) {
   const auto counter = counterOf(classBelow(static_cast<int>(state.range(0))));
   static const SEL kNext("next");
   const int before = counter->next();
   if (send<int>(*counter, kNext) != before + 1) state.SkipWithError("another result");
-  compare(
-      state, [&] { benchmark::DoNotOptimize(send<int>(*counter, kNext)); },
-      [&] { benchmark::DoNotOptimize(counter->next()); });
+  measureResult(state, [&] { return send<int>(*counter, kNext); });
 }
-BENCHMARK(sendAgainstVirtualCall)->ArgName("depth")->Arg(0)->Arg(1)->Arg(4)->Arg(16);
+BENCHMARK(sendMessage)->Name("send a message/ours")->Apply(&forDepths);
+BENCHMARK(callVirtually)->Name("send a message/limit: virtual call")->Apply(&forDepths);
 
-void convertedSend(benchmark::State& state) {
+void sendConverted(benchmark::State& state) {
   const auto counter = counterOf(classBelow(0));
   static const SEL kNext("next");
   enum class Count : std::int32_t {};
-  compare(
-      state, [&] { benchmark::DoNotOptimize(send<Count>(*counter, kNext)); },
-      [&] { benchmark::DoNotOptimize(counter->next()); });
+  measureResult(state, [&] { return send<Count>(*counter, kNext); });
 }
-BENCHMARK(convertedSend);
+BENCHMARK(sendConverted)->Name("send a message, result converted/ours");
+BENCHMARK(callVirtually)->Name("send a message, result converted/limit: virtual call");
 
 void emptyScope(benchmark::State& state) {
-  for (auto _ : state) {
+  measure(state, [] {
     const NSAutoreleasePool pool;
     benchmark::ClobberMemory();
-  }
+  });
 }
-BENCHMARK(emptyScope);
+BENCHMARK(emptyScope)->Name("open and close a release scope/ours");
 
-void autoreleasedObjectAgainstAllocation(benchmark::State& state) {
-  compare(
-      state,
-      [] {
-        const NSAutoreleasePool pool;
-        benchmark::DoNotOptimize(autorelease(std::make_shared<NSObject>()));
-      },
-      [] { benchmark::DoNotOptimize(std::make_shared<NSObject>()); });
+void releaseAtEndOfScope(benchmark::State& state) {
+  measure(state, [] {
+    const NSAutoreleasePool pool;
+    benchmark::DoNotOptimize(autorelease(std::make_shared<NSObject>()));
+  });
 }
-BENCHMARK(autoreleasedObjectAgainstAllocation);
+BENCHMARK(releaseAtEndOfScope)->Name("autorelease an object/ours");
+
+void allocateAndRelease(benchmark::State& state) {
+  measureResult(state, [] { return std::make_shared<NSObject>(); });
+}
+BENCHMARK(allocateAndRelease)->Name("autorelease an object/limit: make and drop it");
 
 }  // namespace
 }  // namespace rvf

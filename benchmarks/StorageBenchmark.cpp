@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The list of hand-entered servers on user defaults, loaded and saved, against raw libplist that
+// The list of hand-entered servers on user defaults, loaded and saved, beside raw libplist that
 // does equal work: it parses the same file and makes a text of every value of every record, or
 // builds the same records and locks, writes, flushes and renames in the same sequence; both are
-// checked to come to the same records first. Both take turns within one measurement; "of_limit" is
-// the ratio of the fastest rounds, 1 being raw libplist and more being slower. The folder is
-// $TMPDIR or /tmp.
+// checked to come to the same records first. The folder is $TMPDIR or /tmp.
 
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
@@ -15,21 +13,18 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <chrono>
 #include <cstdint>
 #include <filesystem>
-#include <limits>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "RVFoundation/ServerDiscovery/RVFStaticServerList.h"
+#include "benchmarks/Measure.h"
 
 namespace rvf {
 namespace {
 
-constexpr int kRounds = 12;
 constexpr const char* kKeys[] = {"serverAddress", "serverDescription", "serverId"};
 
 struct Record {
@@ -143,44 +138,23 @@ class StorageFixture {
   Ref<RVFStaticServerList> list_;
 };
 
-template <class Work>
-double secondsOf(Work work) {
-  const auto start = std::chrono::steady_clock::now();
-  work();
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-template <class Ours, class Raw>
-void compare(benchmark::State& state, Ours ours, Raw raw) {
-  double bestOurs = std::numeric_limits<double>::infinity();
-  double bestRaw = bestOurs;
-  for ([[maybe_unused]] auto _ : state) {
-    const double time = secondsOf(ours);
-    bestOurs = std::min(bestOurs, time);
-    bestRaw = std::min(bestRaw, secondsOf(raw));
-    state.SetIterationTime(time);
-  }
-  state.counters["of_limit"] = bestOurs / bestRaw;
-  state.counters["best_us"] = bestOurs * 1e6;
-  state.counters["limit_us"] = bestRaw * 1e6;
-}
-
-void load(benchmark::State& state) {
+template <void (StorageFixture::*work)() const>
+void use(benchmark::State& state) {
   const StorageFixture fixture(static_cast<std::size_t>(state.range(0)));
-  compare(
-      state, [&] { fixture.load(); }, [&] { fixture.loadRawly(); });
+  measure(state, [&] { (fixture.*work)(); });
 }
 
-void save(benchmark::State& state) {
-  const StorageFixture fixture(static_cast<std::size_t>(state.range(0)));
-  compare(
-      state, [&] { fixture.save(); }, [&] { fixture.saveRawly(); });
+void forServers(benchmark::internal::Benchmark* each) {
+  each->ArgName("servers")->Arg(50)->Arg(5'000)->UseRealTime();
 }
-
-BENCHMARK(load)->Arg(50)->Iterations(40 * kRounds)->UseManualTime()->Unit(benchmark::kMicrosecond);
-BENCHMARK(load)->Arg(5000)->Iterations(kRounds)->UseManualTime()->Unit(benchmark::kMicrosecond);
-BENCHMARK(save)->Arg(50)->Iterations(10 * kRounds)->UseManualTime()->Unit(benchmark::kMicrosecond);
-BENCHMARK(save)->Arg(5000)->Iterations(kRounds)->UseManualTime()->Unit(benchmark::kMicrosecond);
+BENCHMARK(use<&StorageFixture::load>)->Name("load servers/ours")->Apply(&forServers);
+BENCHMARK(use<&StorageFixture::loadRawly>)
+    ->Name("load servers/limit: libplist")
+    ->Apply(&forServers);
+BENCHMARK(use<&StorageFixture::save>)->Name("save servers durably/ours")->Apply(&forServers);
+BENCHMARK(use<&StorageFixture::saveRawly>)
+    ->Name("save servers durably/limit: libplist, flushed")
+    ->Apply(&forServers);
 
 }  // namespace
 }  // namespace rvf

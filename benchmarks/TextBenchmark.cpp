@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Text operations against the raw library that does the same work: GLib's escaping, libmd, ICU's
-// word breaking. "of_peer_speed" is our speed as a multiple of the peer's, both taking turns within
-// one measurement. "growth" of the operations on large texts is the time of 10 MB by ten times that
-// of 1 MB: 1 is linear.
+// Text operations beside the raw library that does the same work: GLib's escaping, libmd, ICU's
+// word breaking. Operations on large texts stand beside themselves on a tenth of the text, ten
+// times: those whose time grows in proportion take as long.
 
 #include <benchmark/benchmark.h>
 #include <glib.h>
@@ -21,7 +20,7 @@
 #include "RVFoundation/Text/NSString-RVFEscaping.h"
 #include "RVFoundation/Text/NSString-RVFExtensions.h"
 #include "RVFoundation/Text/NSString-RVFWords.h"
-#include "benchmarks/Turns.h"
+#include "benchmarks/Measure.h"
 
 namespace rvf {
 namespace {
@@ -36,24 +35,6 @@ std::string repeated(std::string_view text, std::size_t size) {
   while (result.size() < size)
     result += text;
   return result;
-}
-
-/// Enough calls for the clock.
-template <class Operation>
-auto manyTimes(Operation operation) {
-  return [operation] {
-    constexpr int kCalls = 200;
-    for (int i = 0; i < kCalls; ++i)
-      benchmark::DoNotOptimize(operation());
-  };
-}
-
-template <class Ours, class Theirs>
-void compare(benchmark::State& state, Ours ours, Theirs theirs) {
-  if (ours() != theirs()) state.SkipWithError("the results differ");
-  for (auto _ : state)
-    benchmark::DoNotOptimize(ours());
-  state.counters["of_peer_speed"] = relativeSpeed(manyTimes(ours), manyTimes(theirs), 300);
 }
 
 /// Takes over a text of GLib's without copying it.
@@ -73,54 +54,100 @@ std::string textOfSize(const benchmark::State& state, std::string_view piece) {
                              : repeated(piece, static_cast<std::size_t>(state.range(0)));
 }
 
-void escapeXML(benchmark::State& state) {
-  const std::string text = textOfSize(state, kProduct);
-  compare(
-      state, [&] { return stringByEscapingXMLEntities(text); },
-      [&] {
-        return GLibText(g_markup_escape_text(text.data(), static_cast<gssize>(text.size())));
-      });
+template <class Ours, class Theirs>
+void requireEqual(benchmark::State& state, const Ours& ours, const Theirs& theirs) {
+  if (ours != theirs) state.SkipWithError("the results differ");
 }
-BENCHMARK(escapeXML)->ArgName("bytes")->Arg(0)->Arg(10'000);
 
-void escapePlainXML(benchmark::State& state) {
-  const std::string text = textOfSize(state, "plain words without anything to escape ");
-  compare(
-      state, [&] { return stringByEscapingXMLEntities(text); },
-      [&] {
-        return GLibText(g_markup_escape_text(text.data(), static_cast<gssize>(text.size())));
-      });
+constexpr std::string_view kPlain = "plain words without anything to escape ";
+
+void forSizes(benchmark::internal::Benchmark* each) {
+  each->ArgName("bytes")->Arg(0)->Arg(10'000);
 }
-BENCHMARK(escapePlainXML)->ArgName("bytes")->Arg(0)->Arg(10'000);
+
+GLibText escapedByGLib(const std::string& text) {
+  return GLibText(g_markup_escape_text(text.data(), static_cast<gssize>(text.size())));
+}
+
+template <const std::string_view& piece>
+void escapeXML(benchmark::State& state) {
+  const std::string text = textOfSize(state, piece);
+  requireEqual(state, stringByEscapingXMLEntities(text), escapedByGLib(text));
+  measureResult(state, [&] { return stringByEscapingXMLEntities(text); });
+}
+
+template <const std::string_view& piece>
+void escapeXMLByGLib(benchmark::State& state) {
+  const std::string text = textOfSize(state, piece);
+  measureResult(state, [&] { return escapedByGLib(text); });
+}
+
+BENCHMARK(escapeXML<kProduct>)->Name("escape XML/ours")->Apply(&forSizes);
+BENCHMARK(escapeXMLByGLib<kProduct>)->Name("escape XML/peer: GLib")->Apply(&forSizes);
+BENCHMARK(escapeXML<kPlain>)->Name("escape plain XML/ours")->Apply(&forSizes);
+BENCHMARK(escapeXMLByGLib<kPlain>)->Name("escape plain XML/peer: GLib")->Apply(&forSizes);
+
+GLibText escapedURLByGLib(const std::string& text) {
+  return GLibText(g_uri_escape_string(text.c_str(), nullptr, FALSE));
+}
 
 void escapeURL(benchmark::State& state) {
   const std::string text = textOfSize(state, kProduct);
-  compare(
-      state, [&] { return *RVF_stringByEscapingForURLArgument(text); },
-      [&] { return GLibText(g_uri_escape_string(text.c_str(), nullptr, FALSE)); });
+  requireEqual(state, *RVF_stringByEscapingForURLArgument(text), escapedURLByGLib(text));
+  measureResult(state, [&] { return RVF_stringByEscapingForURLArgument(text); });
 }
-BENCHMARK(escapeURL)->ArgName("bytes")->Arg(0)->Arg(10'000);
+BENCHMARK(escapeURL)->Name("escape a URL argument/ours")->Apply(&forSizes);
+
+void escapeURLByGLib(benchmark::State& state) {
+  const std::string text = textOfSize(state, kProduct);
+  measureResult(state, [&] { return escapedURLByGLib(text); });
+}
+BENCHMARK(escapeURLByGLib)->Name("escape a URL argument/peer: GLib")->Apply(&forSizes);
+
+GLibText decodedByGLib(const std::string& text) {
+  return GLibText(g_uri_unescape_string(text.c_str(), nullptr));
+}
 
 void decodeURL(benchmark::State& state) {
   const std::string text = *RVF_stringByEscapingForURLArgument(textOfSize(state, kProduct));
-  compare(
-      state, [&] { return *RVF_stringByDecodingURLArguments(text); },
-      [&] { return GLibText(g_uri_unescape_string(text.c_str(), nullptr)); });
+  requireEqual(state, *RVF_stringByDecodingURLArguments(text), decodedByGLib(text));
+  measureResult(state, [&] { return RVF_stringByDecodingURLArguments(text); });
 }
-BENCHMARK(decodeURL)->ArgName("bytes")->Arg(0)->Arg(10'000);
+BENCHMARK(decodeURL)->Name("decode a URL argument/ours")->Apply(&forSizes);
 
-void md5Of64Bytes(benchmark::State& state) {
-  const std::string text(64, 'x');
-  compare(
-      state, [&] { return RVF_md5(text); },
-      [&] {
-        std::string hexadecimal(MD5_DIGEST_STRING_LENGTH - 1, '\0');
-        MD5Data(reinterpret_cast<const std::uint8_t*>(text.data()), text.size(),
-                hexadecimal.data());
-        return hexadecimal;
-      });
+void decodeURLByGLib(benchmark::State& state) {
+  const std::string text = *RVF_stringByEscapingForURLArgument(textOfSize(state, kProduct));
+  measureResult(state, [&] { return decodedByGLib(text); });
 }
-BENCHMARK(md5Of64Bytes);
+BENCHMARK(decodeURLByGLib)->Name("decode a URL argument/peer: GLib")->Apply(&forSizes);
+
+std::string md5ByLibmd(const std::string& text) {
+  std::string hexadecimal(MD5_DIGEST_STRING_LENGTH - 1, '\0');
+  MD5Data(reinterpret_cast<const std::uint8_t*>(text.data()), text.size(), hexadecimal.data());
+  return hexadecimal;
+}
+
+void md5(benchmark::State& state) {
+  const std::string text(64, 'x');
+  requireEqual(state, RVF_md5(text), md5ByLibmd(text));
+  measureResult(state, [&] { return RVF_md5(text); });
+}
+BENCHMARK(md5)->Name("MD5 of 64 bytes/ours");
+
+void md5Rawly(benchmark::State& state) {
+  const std::string text(64, 'x');
+  measureResult(state, [&] { return md5ByLibmd(text); });
+}
+BENCHMARK(md5Rawly)->Name("MD5 of 64 bytes/limit: libmd");
+
+void md5ByGLib(benchmark::State& state) {
+  const std::string text(64, 'x');
+  measureResult(state, [&] {
+    return GLibText(g_compute_checksum_for_string(G_CHECKSUM_MD5, text.data(),
+                                                  static_cast<gssize>(text.size())));
+  });
+}
+BENCHMARK(md5ByGLib)->Name("MD5 of 64 bytes/peer: GLib");
 
 std::vector<std::string> icuWords(icu::BreakIterator& rules, std::string_view text) {
   const auto units = icu::UnicodeString::fromUTF8(
@@ -136,60 +163,78 @@ std::vector<std::string> icuWords(icu::BreakIterator& rules, std::string_view te
   return words;
 }
 
+std::unique_ptr<icu::BreakIterator> wordRules() {
+  UErrorCode status = U_ZERO_ERROR;
+  return std::unique_ptr<icu::BreakIterator>(
+      icu::BreakIterator::createWordInstance(icu::Locale("en_US"), status));
+}
+
+void forTextSizes(benchmark::internal::Benchmark* each) {
+  each->ArgName("bytes")->Arg(0)->Arg(10'000)->Arg(10'000'000);
+}
+
 void splitWords(benchmark::State& state) {
   NSLocale::setCurrentLocaleIdentifier("en_US");
   const std::string text = textOfSize(state, kSentence);
-  UErrorCode status = U_ZERO_ERROR;
-  const std::unique_ptr<icu::BreakIterator> rules(
-      icu::BreakIterator::createWordInstance(icu::Locale("en_US"), status));
-  const auto ours = [&] { return wordComponents(text); };
-  const auto theirs = [&] { return icuWords(*rules, text); };
-  if (ours() != theirs()) state.SkipWithError("the words differ");
-  for (auto _ : state)
-    benchmark::DoNotOptimize(ours());
+  const std::string some = text.substr(0, 100'000);
+  requireEqual(state, wordComponents(some), icuWords(*wordRules(), some));
+  measureResult(state, [&] { return wordComponents(text); });
   state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
-  const int rounds = text.size() > 1'000'000 ? 5 : 400;
-  state.counters["of_peer_speed"] =
-      relativeSpeed([&] { benchmark::DoNotOptimize(ours()); },
-                    [&] { benchmark::DoNotOptimize(theirs()); }, rounds);
 }
-BENCHMARK(splitWords)->ArgName("bytes")->Arg(0)->Arg(10'000)->Arg(10'000'000);
+BENCHMARK(splitWords)->Name("split into words/ours")->Apply(&forTextSizes);
 
-/// Measures an operation on 10 MB, and whether ten times 1 MB takes as long.
-template <class Operation>
-void measureGrowth(benchmark::State& state, std::string_view piece, Operation operation) {
+void splitWordsByICU(benchmark::State& state) {
+  const std::string text = textOfSize(state, kSentence);
+  const auto rules = wordRules();
+  measureResult(state, [&] { return icuWords(*rules, text); });
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
+}
+BENCHMARK(splitWordsByICU)->Name("split into words/limit: ICU")->Apply(&forTextSizes);
+
+// Operations that must grow in proportion.
+
+template <const std::string_view& piece, auto operation>
+void onLargeText(benchmark::State& state) {
   const std::string large = repeated(piece, 10'000'000);
-  const std::string small = large.substr(0, large.size() / 10);
-  for (auto _ : state)
-    benchmark::DoNotOptimize(operation(large));
+  measureResult(state, [&] { return operation(large); });
   state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(large.size()));
-  const auto tenSmall = [&] {
+}
+
+template <const std::string_view& piece, auto operation>
+void onTenSmallTexts(benchmark::State& state) {
+  const std::string small = repeated(piece, 1'000'000);
+  measure(state, [&] {
     for (int i = 0; i < 10; ++i)
       benchmark::DoNotOptimize(operation(small));
-  };
-  state.counters["growth"] = relativeSpeed(
-      tenSmall, [&] { benchmark::DoNotOptimize(operation(large)); }, 10);
-}
-
-void countOccurrences(benchmark::State& state) {
-  measureGrowth(state, kSentence,
-                [](const std::string& text) { return RVF_occurrenceCountOfSubstring(text, "o"); });
-}
-BENCHMARK(countOccurrences);
-
-void countOccurrencesThatAlmostMatch(benchmark::State& state) {
-  measureGrowth(state, "a", [](const std::string& text) {
-    return RVF_occurrenceCountOfSubstring(text, std::string(10'000, 'a') + 'b');
   });
+  state.SetBytesProcessed(state.iterations() * 10 * static_cast<std::int64_t>(small.size()));
 }
-BENCHMARK(countOccurrencesThatAlmostMatch);
 
-void cleanLines(benchmark::State& state) {
-  measureGrowth(state, "a line\tof text\r\nand\u2028another\n\n", [](const std::string& text) {
-    return RVF_cleanStringRemovingNewlinesAndTabs(text);
-  });
+constexpr std::string_view kLetter = "a";
+constexpr std::string_view kLines = "a line\tof text\r\nand\u2028another\n\n";
+
+std::size_t countLetters(const std::string& text) {
+  return RVF_occurrenceCountOfSubstring(text, "o");
 }
-BENCHMARK(cleanLines);
+
+std::size_t countAlmostMatches(const std::string& text) {
+  return RVF_occurrenceCountOfSubstring(text, std::string(10'000, 'a') + 'b');
+}
+
+std::string cleaned(const std::string& text) {
+  return RVF_cleanStringRemovingNewlinesAndTabs(text);
+}
+
+BENCHMARK(onLargeText<kSentence, &countLetters>)->Name("count a letter in 10 MB/ours");
+BENCHMARK(onTenSmallTexts<kSentence, &countLetters>)
+    ->Name("count a letter in 10 MB/limit: ours, 1 MB ten times");
+BENCHMARK(onLargeText<kLetter, &countAlmostMatches>)
+    ->Name("count what almost matches in 10 MB/ours");
+BENCHMARK(onTenSmallTexts<kLetter, &countAlmostMatches>)
+    ->Name("count what almost matches in 10 MB/limit: ours, 1 MB ten times");
+BENCHMARK(onLargeText<kLines, &cleaned>)->Name("clean lines of 10 MB/ours");
+BENCHMARK(onTenSmallTexts<kLines, &cleaned>)
+    ->Name("clean lines of 10 MB/limit: ours, 1 MB ten times");
 
 }  // namespace
 }  // namespace rvf
