@@ -13,8 +13,8 @@ namespace rvf {
 /// A number of seconds as a decimal number of hours, which another formatter writes: 5400 is "1.5"
 /// where that shows one decimal.
 ///
-/// Thread: any, as far as the other formatter is; that may be replaced meanwhile. Lifetime: keeps
-/// the other formatter.
+/// Thread: any may write, as far as the other formatter is for any, and replace that meanwhile; the
+/// rest as `NSNumberFormatter`. Lifetime: keeps the other formatter.
 class RVF_EXPORT RVFSecondsToHoursFormatter : public NSNumberFormatter {
  public:
   static Class classObject();
