@@ -49,7 +49,7 @@ void KeyPathObservation::tell(const Ref<NSDictionary>& change) {
   const id observer = observer_.lock();
   if (!observer) return;
   const CodingAnnouncement::Suspension suspension;
-  send(*observer, kSelector, std::string_view(keyPath_), target, change, context_);
+  sendByReference(*observer, kSelector, std::string_view(keyPath_), target, change, context_);
 }
 
 bool KeyPathObservation::isObservedBy(

@@ -27,7 +27,7 @@ class Receivers final {
       method_ = receiversClass->method(selector);
     }
     if (method_) {
-      method_->implementation.call<void, Ref<NSNotification>>(receiver, selector, notification);
+      method_->implementation.callByReference<void>(receiver, selector, notification);
     } else {
       send(receiver, selector, notification);  // forwards it
     }
@@ -124,7 +124,7 @@ void NSNotificationCenter::removeObserver(const NSObject& observer,
 void NSNotificationCenter::postNotification(const Ref<NSNotification>& notification) {
   if (!notification) NSException::raise(NSInvalidArgumentException, "absent notification");
   const auto alive = weak_from_this().lock();
-  const Ref<NSNotification> posted = notification;
+  const Ref<NSNotification> posted = notification;  // nothing else can change this one
   bool hasSeenTheDead = false;
   {
     Receivers receivers;

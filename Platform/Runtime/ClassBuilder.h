@@ -30,27 +30,41 @@ template <class T>
 inline constexpr bool kIsMessageArgument =
     !std::is_lvalue_reference_v<T> || std::is_const_v<std::remove_reference_t<T>>;
 
+/// An argument that a method can look at where its sender keeps it, without a copy of its own.
+template <class T>
+inline constexpr bool kCanStayWithSender =
+    std::is_lvalue_reference_v<T> || std::is_trivially_copyable_v<T>;
+template <class T>
+inline constexpr bool kIsCopiedAtACost = !std::is_trivially_copyable_v<std::decay_t<T>>;
+
+template <auto Member, class Receiver, class R, class... Args>
+struct Trampoline {
+  static_assert((kIsMessageArgument<Args> && ...));
+  static constexpr bool kTakesReferences =
+      (kCanStayWithSender<Args> && ...) && (kIsCopiedAtACost<Args> || ...);
+
+  static MessageResult<R> call(NSObject& self, SEL, MessageArgument<Args>... arguments) {
+    return static_cast<MessageResult<R>>(
+        std::invoke(Member, static_cast<Receiver&>(self), std::forward<Args>(arguments)...));
+  }
+  static MessageResult<R> callByReference(NSObject& self, SEL,
+                                          const MessageArgument<Args>&... arguments) {
+    return static_cast<MessageResult<R>>(
+        std::invoke(Member, static_cast<Receiver&>(self), arguments...));
+  }
+};
+
 template <auto Member>
 struct MemberTrampoline;
 
 template <class C, class R, class... Args, R (C::*Member)(Args...)>
-struct MemberTrampoline<Member> {
+struct MemberTrampoline<Member> : Trampoline<Member, C, R, Args...> {
   using Owner = C;
-  static_assert((kIsMessageArgument<Args> && ...));
-  static MessageResult<R> call(NSObject& self, SEL, MessageArgument<Args>... arguments) {
-    return static_cast<MessageResult<R>>(
-        std::invoke(Member, static_cast<C&>(self), std::forward<Args>(arguments)...));
-  }
 };
 
 template <class C, class R, class... Args, R (C::*Member)(Args...) const>
-struct MemberTrampoline<Member> {
+struct MemberTrampoline<Member> : Trampoline<Member, const C, R, Args...> {
   using Owner = C;
-  static_assert((kIsMessageArgument<Args> && ...));
-  static MessageResult<R> call(NSObject& self, SEL, MessageArgument<Args>... arguments) {
-    return static_cast<MessageResult<R>>(
-        std::invoke(Member, static_cast<const C&>(self), std::forward<Args>(arguments)...));
-  }
 };
 
 template <auto Member>
@@ -74,7 +88,12 @@ struct MemberVariable<Member> {
 /// instances derive from the function's class, and into no others.
 template <auto Member>
 IMP memberImplementation() {
-  return IMP(&detail::MemberTrampoline<Member>::call);
+  using Trampoline = detail::MemberTrampoline<Member>;
+  if constexpr (Trampoline::kTakesReferences) {
+    return IMP::withReferences<&Trampoline::callByReference>(&Trampoline::call);
+  } else {
+    return IMP(&Trampoline::call);
+  }
 }
 
 /// Describes a class to the runtime, once, beside its code:

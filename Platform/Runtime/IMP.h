@@ -56,6 +56,18 @@ class RVF_EXPORT IMP final {
     static_assert(std::same_as<R, std::decay_t<R>> && !std::same_as<R, std::string_view>);
   }
 
+  /// The same for a method that exists as `R (*)(NSObject& self, SEL cmd, const Args&...)` as well.
+  template <auto ByReference, class R, class... Args>
+  static IMP withReferences(R (*function)(NSObject&, SEL, Args...)) noexcept {
+    using Signature = Typed<R, Args...>;
+    static constexpr ByReferenceType<R, Args...> kType{
+        {&typeid(R(Args...)), sizeof...(Args), &Signature::encoding, &Signature::caller, true},
+        ByReference};
+    IMP implementation(function);
+    implementation.type_ = &kType;
+    return implementation;
+  }
+
   explicit operator bool() const noexcept { return function_ != nullptr; }
   friend bool operator==(const IMP& a, const IMP& b) noexcept { return a.function_ == b.function_; }
   friend std::strong_ordering operator<=>(const IMP& a, const IMP& b) noexcept {
@@ -83,6 +95,19 @@ class RVF_EXPORT IMP final {
                                                                        std::move(arguments)...);
   }
 
+  /// The same without copies of the arguments where the method takes none: nothing else may change
+  /// them until it has returned. Counting a reference up and down costs more than the call.
+  template <class R, class... Args>
+  R callByReference(NSObject& self, SEL selector, const Args&... arguments) const {
+    if (!type_ || !type_->takesReferences || !isOfType(typeid(R(Args...)))) {
+      return call<R, Args...>(self, selector, arguments...);
+    }
+    const IMP running = *this;  // what holds this may change while it runs
+    const RunningMethod mark(running, self, selector);
+    return static_cast<const ByReferenceType<R, Args...>*>(running.type_)
+        ->function(self, selector, arguments...);
+  }
+
   /// Calls the function, marked as running, with arguments that are known only at run time. An
   /// empty argument reads as zero. The result is empty for a function without one. The arguments
   /// must stay as they are until the function has returned.
@@ -96,6 +121,11 @@ class RVF_EXPORT IMP final {
     std::size_t argumentCount;
     std::string (*encoding)();
     std::any (*caller)(Function, NSObject&, SEL, std::span<const std::any>);
+    bool takesReferences;
+  };
+  template <class R, class... Args>
+  struct ByReferenceType : Type {
+    R (*function)(NSObject&, SEL, const Args&...);
   };
 
   // Comparing addresses first: comparing type_infos compares names once there are two libraries.
@@ -127,7 +157,7 @@ class RVF_EXPORT IMP final {
         return toAny(typed(self, selector, std::forward<Args>(std::get<I>(values))...));
       }
     }
-    static constexpr Type kType{&typeid(R(Args...)), sizeof...(Args), &encoding, &caller};
+    static constexpr Type kType{&typeid(R(Args...)), sizeof...(Args), &encoding, &caller, false};
   };
 
   Function function_ = nullptr;

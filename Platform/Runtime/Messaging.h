@@ -52,4 +52,15 @@ R send(const Ref<T>& receiver, SEL selector, Args&&... arguments) {
   return send<R>(static_cast<NSObject&>(*alive), selector, std::forward<Args>(arguments)...);
 }
 
+/// Sends a message without a result whose arguments the sender keeps as they are until the method
+/// has returned: a method that takes them by reference gets these very ones, not copies.
+template <class... Args>
+void sendByReference(NSObject& receiver, SEL selector, const Args&... arguments) {
+  if (const Method* method = receiver.isa()->method(selector)) {
+    method->implementation.template callByReference<void>(receiver, selector, arguments...);
+  } else {
+    send(receiver, selector, arguments...);  // forwards it
+  }
+}
+
 }  // namespace rvf
