@@ -10,11 +10,17 @@
 #include "Platform/Observation/KeyValueObserving.h"
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
+#include "Platform/Values/NSArray.h"
 
 namespace rvf {
 namespace {
 
 const ClassRegistration kRegistration(&NSNetService::classObject);
+
+/// The list as an object, for messages and key-value coding.
+Ref<NSArray> addressesOf(NSObject& self, SEL) {
+  return NSArray::arrayWithObjects(static_cast<NSNetService&>(self).addresses());
+}
 
 }  // namespace
 
@@ -55,12 +61,14 @@ Class NSNetService::classObject() {
                                   .property("domain", "T@\"NSString\",R,C,N")
                                   .property("hostName", "T@\"NSString\",R,C,N")
                                   .property("port", "Ti,R,N")
+                                  .property("addresses", "T@\"NSArray\",R,C,N")
                                   .property("TXTRecordData", "T@\"NSData\",C,N")
                                   .method<&NSNetService::name>("name")
                                   .method<&NSNetService::type>("type")
                                   .method<&NSNetService::domain>("domain")
                                   .method<&NSNetService::hostName>("hostName")
                                   .method<&NSNetService::port>("port")
+                                  .method("addresses", IMP(&addressesOf))
                                   .method<&NSNetService::TXTRecordData>("TXTRecordData")
                                   .method<&NSNetService::setTXTRecordData>("setTXTRecordData:")
                                   .method<&NSNetService::resolveWithTimeout>("resolveWithTimeout:")

@@ -46,6 +46,10 @@ class RVF_EXPORT NSNetServiceDelegate {
 /// thread that starts them and report on its run loop; `netServiceDidStop` alone is delivered
 /// inside `stop`. An object that its delegate releases during a callback survives the callback.
 ///
+/// `name`, `hostName`, `port`, `addresses` and `TXTRecordData` can be observed by key. What is
+/// found on the network changes them on that run loop, too, just before the delegate is told of it;
+/// what waited there when the operation was stopped does not change them any more.
+///
 /// Thread: that of the operations under way, which also lets the last reference go. Lifetime: its
 /// end ends operations untold; what was queued for the delegate is dropped by it and by `stop`.
 class RVF_EXPORT NSNetService final : public NSObject {

@@ -7,9 +7,22 @@
 #include "Platform/Network/NSNetServicesError.h"
 #include "Platform/Network/ServiceDiscovery.h"
 #include "Platform/Network/ServiceNames.h"
+#include "Platform/Observation/KeyValueObserving.h"
 #include "Platform/Text/Text.h"
 
 namespace rvf {
+namespace {
+
+/// Changes what `announced` says has changed, and tells observers once everything has.
+void announceChanges(NSObject& object, std::vector<std::string_view> announced,
+                     const std::function<void()>& change) {
+  if (announced.empty()) return change();
+  const std::string_view key = announced.back();
+  announced.pop_back();
+  announceChange(object, key, [&] { announceChanges(object, std::move(announced), change); });
+}
+
+}  // namespace
 
 NSNetService::Core::Core(NSNetService& owner) : owner_(owner) {}
 
@@ -19,8 +32,14 @@ void NSNetService::Core::deliver(Topic topic, Report report, std::function<void(
     const auto service = std::static_pointer_cast<NSNetService>(weakOwner.lock());
     if (!service) return;
     if (prepare) prepare(*service->core_);
+    if (!report) return;
     if (const auto target = service->delegate()) report(*target, service);
   });
+}
+
+/// By itself: an observer may stop the service, and then no report may follow.
+void NSNetService::Core::deliverChange(Topic topic, std::function<void(Core&)> change) {
+  deliver(topic, nullptr, std::move(change));
 }
 
 NSNetService::Core::Report NSNetService::Core::failureReport(NSNetServicesError error,
@@ -60,14 +79,17 @@ void NSNetService::Core::resolve(double timeoutSeconds) {
        [this](const SocketAddressBytes& address) { addressFound(address); },
        [this](NSNetServicesError error) { endResolving(error); }});
   beginOperation(Operation::resolving, std::move(backend));
-  addresses.clear();
-  growthIsQueued_ = false;
+  found_ = {hostName, port, {}};
+  locationIsQueued_ = growthIsQueued_ = false;
   deliver(kOperationTopic,
           [](auto& target, const auto& service) { target.netServiceWillResolve(service); });
-  if (!(timeoutSeconds > 0)) return;
-  timeout_ = NSRunLoop::currentRunLoop()->scheduleTimer(
-      timeoutSeconds, {std::string(NSRunLoopCommonModes)},
-      [this] { endResolving(NSNetServicesError::timeout); });
+  if (timeoutSeconds > 0) {
+    timeout_ = NSRunLoop::currentRunLoop()->scheduleTimer(
+        timeoutSeconds, {std::string(NSRunLoopCommonModes)},
+        [this] { endResolving(NSNetServicesError::timeout); });
+  }
+  // Last, because observers may stop or drop the service.
+  if (!addresses.empty()) announceChange(owner_, "addresses", [this] { addresses.clear(); });
 }
 
 /// Once its activity has been made, because that may throw.
@@ -79,10 +101,10 @@ void NSNetService::Core::beginOperation(Operation operation,
 
 void NSNetService::Core::located(const std::string& host, std::uint16_t foundPort) {
   const std::string foundHost = withFinalDot(host);
+  if (found_.hostName == foundHost && found_.port == foundPort) return;
   // The service has moved: what was known of its former place would lead astray.
-  if (hostName != foundHost || port != foundPort) addresses.clear();
-  hostName = foundHost;
-  port = foundPort;
+  found_ = {foundHost, foundPort, {}};
+  noteLocation();
 }
 
 /// Addresses that come together are reported together, so that the first report is not needlessly
@@ -91,20 +113,38 @@ void NSNetService::Core::addressFound(const SocketAddressBytes& address) {
   const auto isKnown = [&](const Ref<NSData>& known) {
     return std::ranges::equal(known->bytes(), address);
   };
-  if (std::any_of(addresses.begin(), addresses.end(), isKnown)) return;
-  addresses.push_back(std::make_shared<NSData>(address));
+  if (std::ranges::any_of(found_.addresses, isKnown)) return;
+  found_.addresses.push_back(std::make_shared<NSData>(address));
   timeout_.reset();
+  noteLocation();
   if (std::exchange(growthIsQueued_, true)) return;
-  deliver(
-      kOperationTopic,
-      [](auto& target, const auto& service) { target.netServiceDidResolveAddress(service); },
-      [](Core& core) { core.growthIsQueued_ = false; });
+  deliver(kOperationTopic,
+          [](auto& target, const auto& service) { target.netServiceDidResolveAddress(service); });
+}
+
+void NSNetService::Core::noteLocation() {
+  if (std::exchange(locationIsQueued_, true)) return;
+  deliverChange(kOperationTopic, [](Core& core) { core.adoptLocation(); });
+}
+
+/// What is found from now on is not in the report that is queued already.
+void NSNetService::Core::adoptLocation() {
+  locationIsQueued_ = growthIsQueued_ = false;
+  std::vector<std::string_view> changed;
+  if (hostName != found_.hostName) changed.emplace_back("hostName");
+  if (port != found_.port) changed.emplace_back("port");
+  if (addresses != found_.addresses) changed.emplace_back("addresses");
+  announceChanges(owner_, std::move(changed), [this] {
+    hostName = found_.hostName;
+    port = found_.port;
+    addresses = found_.addresses;
+  });
 }
 
 void NSNetService::Core::endResolving(NSNetServicesError error) {
   timeout_.reset();
   resolution_.reset();
-  if (addresses.empty()) endOperation(error, Operation::resolving);
+  if (found_.addresses.empty()) endOperation(error, Operation::resolving);
 }
 
 void NSNetService::Core::startMonitoring() {
@@ -126,7 +166,9 @@ void NSNetService::Core::recordUpdated(std::vector<std::byte> record) {
   auto data = std::make_shared<NSData>(std::move(record));
   if (objectsAreEqual(data, monitoredRecord_)) return;  // seen on another link
   monitoredRecord_ = data;
-  txtRecord = data;
+  deliverChange(kMonitoringTopic, [data](Core& core) {
+    announceChange(core.owner_, "TXTRecordData", [&] { core.txtRecord = data; });
+  });
   deliver(kMonitoringTopic, [data](auto& target, const auto& service) {
     target.netServiceDidUpdateTXTRecordData(service, data);
   });
@@ -161,7 +203,10 @@ void NSNetService::Core::publish() {
 }
 
 void NSNetService::Core::published(const std::string& name) {
-  identity.name = name;
+  deliverChange(kOperationTopic, [name](Core& core) {
+    if (core.identity.name == name) return;
+    announceChange(core.owner_, "name", [&] { core.identity.name = name; });
+  });
   deliver(kOperationTopic,
           [](auto& target, const auto& service) { target.netServiceDidPublish(service); });
 }

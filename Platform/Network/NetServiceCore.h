@@ -16,8 +16,9 @@
 
 namespace rvf {
 
-/// What a service knows and has under way. The back end's events only take notes here; everything
-/// that reaches the delegate goes through the queue, so no delegate ever runs inside the back end.
+/// What a service knows and has under way. The back end's events only take notes here; what reaches
+/// the delegate and observers goes through the queue, so neither ever runs inside the back end. A
+/// property changes at its turn, before the report of the same news.
 class NSNetService::Core final {
  public:
   explicit Core(NSNetService& owner);
@@ -44,13 +45,23 @@ class NSNetService::Core final {
   enum class Operation { none, resolving, publishing };
   enum Topic { kOperationTopic, kMonitoringTopic };
   using Report = std::function<void(NSNetServiceDelegate&, const Ref<NSNetService>&)>;
+  /// Where the service is, as far as the back end has found out.
+  struct Location {
+    std::optional<std::string> hostName;
+    std::optional<std::uint16_t> port;
+    std::vector<Ref<NSData>> addresses;
+  };
 
   /// Queues a report; `prepare` is run at its turn, with or without a delegate.
   void deliver(Topic topic, Report report, std::function<void(Core&)> prepare = nullptr);
+  /// Queues a change of a property.
+  void deliverChange(Topic topic, std::function<void(Core&)> change);
   static Report failureReport(NSNetServicesError error, Operation failed);
   void refuse(NSNetServicesError error, Operation refused);
   void located(const std::string& host, std::uint16_t foundPort);
   void addressFound(const SocketAddressBytes& address);
+  void noteLocation();
+  void adoptLocation();
   void endResolving(NSNetServicesError error);
   void beginOperation(Operation operation, std::shared_ptr<ServiceDiscoveryBackend> backend);
   void endOperation(NSNetServicesError error, Operation failed);
@@ -61,6 +72,8 @@ class NSNetService::Core final {
   NSNetService& owner_;
   DeliveryQueue queue_;
   Operation operation_ = Operation::none;
+  Location found_;
+  bool locationIsQueued_ = false;
   bool growthIsQueued_ = false;
   Ref<NSData> monitoredRecord_;
 

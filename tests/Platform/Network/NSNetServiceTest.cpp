@@ -109,6 +109,7 @@ TEST_F(NetServiceTest, AnotherLocationIsReportedWithItsOwnAddressesOnly) {
   resolution().fire(&ResolveEvents::addressFound, address("10.0.0.1"));
   settleRunLoop();
   resolution().fire(&ResolveEvents::located, "other.local", std::uint16_t{81});
+  settleRunLoop();
   EXPECT_THAT(service_->addresses(), IsEmpty());
   resolution().fire(&ResolveEvents::addressFound, address("10.0.0.2"));
   EXPECT_THAT(settledLog(), ElementsAre("will resolve", "resolved 1", "resolved 1"));
