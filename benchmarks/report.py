@@ -170,6 +170,7 @@ def described(context):
     machine = context["machine"]
     sentence = (f"{context['date']}, {machine['cores']} cores of {machine['cpu']}, "
                 f"{machine['system']}, {context['compiler']}, commit {context['commit']}, "
+                f"{'short repetitions, ' if context['quick'] else ''}"
                 f"load {context['load']:.2f} at the start")
     return sentence + (", so other work went on." if context["load"] > context["quiet_load"]
                        else ".")

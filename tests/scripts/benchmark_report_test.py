@@ -68,11 +68,13 @@ class Report(unittest.TestCase):
     def test_says_where_and_when(self):
         context = {"machine": {"cpu": "a processor", "cores": 2, "system": "a system"},
                    "date": "2026-11-21", "compiler": "g++ 12", "commit": "abc", "load": 0.1,
-                   "quiet_load": 0.5}
-        sentence = "2026-11-21, 2 cores of a processor, a system, g++ 12, commit abc, load "
-        self.assertEqual(report.described(context), sentence + "0.10 at the start.")
+                   "quick": False, "quiet_load": 0.5}
+        sentence = "2026-11-21, 2 cores of a processor, a system, g++ 12, commit abc, "
+        self.assertEqual(report.described(context), sentence + "load 0.10 at the start.")
         self.assertEqual(report.described({**context, "load": 0.6}),
-                         sentence + "0.60 at the start, so other work went on.")
+                         sentence + "load 0.60 at the start, so other work went on.")
+        self.assertEqual(report.described({**context, "quick": True}),
+                         sentence + "short repetitions, load 0.10 at the start.")
 
     def test_writes_durations_with_three_figures_and_a_fitting_unit(self):
         for seconds, text in ((4.2e-10, "0.420 ns"), (9.9e-7, "990 ns"), (9.996e-7, "1.00 µs"),
