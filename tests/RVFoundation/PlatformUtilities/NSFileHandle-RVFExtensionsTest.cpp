@@ -340,6 +340,21 @@ TEST_F(TemporaryFileTest, IsNamedUniquelyInTheTemporaryDirectory) {
   }
 }
 
+TEST_F(TemporaryFileTest, LiesInAFolderOfAnyName) {
+  for (const char* name :
+       {"with blank", "tempfile.XXXXXX", "ü", "\xFF\xFE", "ends with slashes//"}) {
+    const std::filesystem::path folder = folder_.path() / name;
+    std::filesystem::create_directories(folder);
+    setFolder(folder);
+    std::string path;
+    ASSERT_NE(make(&path), nullptr) << name;
+    EXPECT_TRUE(std::filesystem::equivalent(std::filesystem::path(path).parent_path(), folder))
+        << name;
+    EXPECT_EQ(path.find("//"), std::string::npos) << path;
+    EXPECT_TRUE(std::filesystem::exists(path)) << name;
+  }
+}
+
 TEST_F(TemporaryFileTest, BelongsToItsOwnerAlone) {
   std::string path;
   const auto handle = make(&path);
