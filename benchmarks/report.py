@@ -109,7 +109,7 @@ def row_of(job, results):
             continue
         row["ratios"][role] = in_role["ours"][0]["seconds"] / best["seconds"]
         target = job.get("targets", {}).get(role)
-        if target is not None and row["ratios"][role] > target:
+        if target is not None and round(row["ratios"][role], 2) > target:
             row["missed"][role] = target
     return row
 
