@@ -153,8 +153,9 @@ void RVFMagneticCardParser::setTrackInfo(std::uint64_t trackInfo) {
 }
 
 void RVFMagneticCardParser::setSwipeData(std::optional<std::string_view> swipeData) {
+  SecretText text(swipeData);  // before an observer can change what is viewed
   announceChange(*this, "swipeData", [&] {
-    SecretText former = std::exchange(swipeData_, SecretText(swipeData));
+    SecretText former = std::exchange(swipeData_, std::move(text));
     if (runningParses_ > 0) replacedSwipes_.push_back(std::move(former));
   });
 }

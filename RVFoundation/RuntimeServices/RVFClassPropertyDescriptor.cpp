@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "RVFoundation/RuntimeServices/RVFClassPropertyDescriptor.h"
 
+#include <algorithm>
 #include <memory>
+#include <utility>
+#include <vector>
 
+#include "Platform/Observation/KeyValueObserving.h"
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/ClassRegistration.h"
 #include "Platform/Runtime/NSAutoreleasePool.h"
@@ -17,6 +21,11 @@ namespace {
 using Descriptor = RVFClassPropertyDescriptor;
 
 const ClassRegistration kRegistration(&Descriptor::classObject);
+
+/// Everything but the name is computed from the attributes.
+id keyPathsAffecting(NSObject&, SEL, std::string_view key) {
+  return key == "name" || key == "attributes" ? nullptr : setOfKeyPaths({"attributes"});
+}
 
 }  // namespace
 
@@ -65,6 +74,7 @@ Class Descriptor::classObject() {
           .method<&Descriptor::customGetter>("customGetter")
           .method<&Descriptor::customSetter>("customSetter")
           .method<&Descriptor::ivarName>("ivarName")
+          .method("keyPathsForValuesAffectingValueForKey:", IMP(&keyPathsAffecting))
           .registered();
   return kClass;
 }
@@ -74,14 +84,20 @@ Class Descriptor::isa() const {
 }
 
 void Descriptor::readPropertyAttributesFromString(std::string_view attributes) {
-  attributes_ = NSMutableDictionary::dictionary();
-  for (const std::string_view attribute : splitText(attributes, ",")) {
-    if (attribute.empty()) {
-      NSException::raise(NSRangeException, "a property attribute without a letter in \"" +
-                                               std::string(attributes) + "\"");
-    }
-    attributes_->setObject(box(substringUtf16(attribute, 1)), substringUtf16(attribute, 0, 1));
-  }
+  const std::vector<std::string_view> all = splitText(attributes, ",");
+  const auto end = std::ranges::find(all, std::string_view());
+  auto read = NSMutableDictionary::dictionary();
+  for (auto attribute = all.begin(); attribute != end; ++attribute)
+    read->setObject(box(substringUtf16(*attribute, 1)), substringUtf16(*attribute, 0, 1));
+  if (end == all.end()) return replaceAttributes(std::move(read));
+  std::string problem =
+      "a property attribute without a letter in \"" + std::string(attributes) + "\"";
+  replaceAttributes(std::move(read));
+  NSException::raise(NSRangeException, problem);
+}
+
+void Descriptor::replaceAttributes(Ref<NSMutableDictionary> attributes) {
+  announceChange(*this, "attributes", [&] { attributes_.swap(attributes); });
 }
 
 std::optional<std::string> Descriptor::value(std::string_view letter) const {

@@ -60,6 +60,7 @@ class RVF_EXPORT RVFClassPropertyDescriptor final : public NSObject {
   std::string description() const override;
 
  private:
+  void replaceAttributes(Ref<NSMutableDictionary> attributes);
   bool has(std::string_view letter) const { return attributes_->objectForKey(letter) != nullptr; }
   std::optional<std::string> value(std::string_view letter) const;
 

@@ -67,18 +67,24 @@ Class RVFStaticServerList::isa() const {
 }
 
 void RVFStaticServerList::load() {
-  announceChange(*this, "serverCount", [&] { loadServers(); });
-}
-
-void RVFStaticServerList::loadServers() {
-  servers_->removeAllObjects();
   const auto records =
       std::dynamic_pointer_cast<NSArray>(defaults_->arrayForKey(kStaticServersKey));
-  if (!records) return;
-  for (const id& record : *records) {
-    servers_->addObject(
-        RVFStaticServer::initWithDataDictionary(std::dynamic_pointer_cast<NSDictionary>(record)));
+  const auto loaded = NSMutableArray::array();
+  if (records) {
+    for (const id& record : *records) {
+      loaded->addObject(
+          RVFStaticServer::initWithDataDictionary(std::dynamic_pointer_cast<NSDictionary>(record)));
+    }
   }
+  replaceServers(*loaded);
+}
+
+void RVFStaticServerList::replaceServers(const NSArray& servers) {
+  announceChange(*this, "serverCount", [&] {
+    servers_->removeAllObjects();
+    for (const id& server : servers.objects())
+      servers_->addObject(server);
+  });
 }
 
 void RVFStaticServerList::save() {
@@ -110,32 +116,30 @@ Ref<RVFStaticServer> RVFStaticServerList::serverWithServerDescription(
   });
 }
 
-void RVFStaticServerList::changeAndSave(const std::function<void()>& change) {
+void RVFStaticServerList::changeAndSave(const std::function<void(NSMutableArray&)>& change) {
   const id alive = weak_from_this().lock();
   const auto before = servers_->copy();
-  announceChange(*this, "serverCount", change);
+  // Raises what there is to raise while nothing has been announced: that would stay open.
+  change(*std::make_shared<NSMutableArray>(before->objects()));
+  announceChange(*this, "serverCount", [&] { change(*servers_); });
   try {
     save();
   } catch (...) {
-    announceChange(*this, "serverCount", [&] {
-      servers_->removeAllObjects();
-      for (const id& server : before->objects())
-        servers_->addObject(server);
-    });
+    replaceServers(*before);
     throw;
   }
 }
 
 void RVFStaticServerList::addServer(const Ref<RVFStaticServer>& server) {
-  changeAndSave([&] { servers_->addObject(server); });
+  changeAndSave([&](NSMutableArray& servers) { servers.addObject(server); });
 }
 
 void RVFStaticServerList::insertServer(const Ref<RVFStaticServer>& server, std::size_t atIndex) {
-  changeAndSave([&] { servers_->insertObject(server, atIndex); });
+  changeAndSave([&](NSMutableArray& servers) { servers.insertObject(server, atIndex); });
 }
 
 void RVFStaticServerList::removeServerAtIndex(std::size_t index) {
-  changeAndSave([&] { servers_->removeObjectAtIndex(index); });
+  changeAndSave([&](NSMutableArray& servers) { servers.removeObjectAtIndex(index); });
 }
 
 std::string RVFStaticServerList::nextUntitledServerName() const {

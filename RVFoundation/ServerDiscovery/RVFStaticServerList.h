@@ -78,8 +78,8 @@ class RVF_EXPORT RVFStaticServerList final : public NSObject {
   std::string nextUntitledServerName() const;
 
  private:
-  void loadServers();
-  void changeAndSave(const std::function<void()>& change);
+  void replaceServers(const NSArray& servers);
+  void changeAndSave(const std::function<void(NSMutableArray&)>& change);
   const Ref<NSUserDefaults> defaults_;
   const Ref<NSMutableArray> servers_ = NSMutableArray::array();
 };

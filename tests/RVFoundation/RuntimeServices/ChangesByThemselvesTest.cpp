@@ -15,15 +15,18 @@
 #include "Platform/Network/NSNetService.h"
 #include "Platform/Observation/KeyValueObserving.h"
 #include "Platform/Runtime/ClassBuilder.h"
+#include "Platform/Runtime/NSException.h"
 #include "Platform/Values/NSDictionary.h"
 #include "RVFoundation/BackgroundExecution/RVFBlockQueue.h"
 #include "RVFoundation/CardReading/RVFCreditCardParser.h"
 #include "RVFoundation/CoreServices/RVFLogger.h"
 #include "RVFoundation/Formatters/RVFQuantityFormatter.h"
+#include "RVFoundation/RuntimeServices/RVFClassPropertyDescriptor.h"
 #include "RVFoundation/RuntimeServices/RVFTestingUserDefaults.h"
 #include "RVFoundation/ServerDiscovery/RVFQMServerService.h"
 #include "RVFoundation/ServerDiscovery/RVFStaticServerList.h"
 #include "RVFoundation/Streaming/RVFStreamedSAXParser.h"
+#include "tests/Platform/Storage/TemporaryFolder.h"
 
 namespace rvf {
 namespace {
@@ -111,6 +114,46 @@ TEST(ChangesByThemselves, TheServerCountIsAnnounced) {
   EXPECT_THAT(watch.values(), ElementsAre("0>1", "1>2", "2>1", "1>1"));
 }
 
+/// A "did" would deliver what an open announcement left.
+TEST(ChangesByThemselves, AChangeOfAStaticServerListThatRaisesLeavesNoAnnouncementOpen) {
+  const auto list =
+      std::make_shared<RVFStaticServerList>(RVFTestingUserDefaults::testingDefaults());
+  list->addServer(RVFStaticServer::staticServerWithAddress("a"));
+  const Watch watch(list, "serverCount",
+                    NSKeyValueObservingOptionOld | NSKeyValueObservingOptionPrior);
+  EXPECT_THROW(list->removeServerAtIndex(1), NSException);
+  EXPECT_THROW(list->insertServer(RVFStaticServer::staticServerWithAddress("b"), 2), NSException);
+  EXPECT_THROW(list->addServer(nullptr), NSException);
+  EXPECT_EQ(watch.count(), 0);
+  didChangeValueForKey(*list, "serverCount");
+  EXPECT_EQ(watch.count(), 0);
+  EXPECT_EQ(list->serverCount(), 1U);
+}
+
+TEST(ChangesByThemselves, AStaticServerListThatCannotBeSavedTellsThatItIsAsBefore) {
+  const TemporaryFolder folder;
+  const auto list = std::make_shared<RVFStaticServerList>(
+      NSUserDefaults::userDefaultsWithFile(folder.file("defaults.plist")));
+  const auto bad = RVFStaticServer::staticServerWithAddress("b");
+  bad->setServerDescription("\xFF");
+  const Watch watch(list, "serverCount");
+  EXPECT_THROW(list->addServer(bad), NSException);
+  EXPECT_THAT(watch.values(), ElementsAre("0>1", "1>0"));
+}
+
+TEST(ChangesByThemselves, WhatADescriptorIsGivenToReadChangesWhatIsComputedFromIt) {
+  const auto descriptor = RVFClassPropertyDescriptor::initWithProperty({"title", "Ti"});
+  const Watch isCopy(descriptor, "isCopy");
+  const Watch type(descriptor, "encodedType");
+  const Watch name(descriptor, "name");
+  descriptor->readPropertyAttributesFromString("T@,C");
+  EXPECT_THROW(descriptor->readPropertyAttributesFromString("Td,,C"), NSException);
+  didChangeValueForKey(*descriptor, "attributes");
+  EXPECT_THAT(isCopy.values(), ElementsAre("0>1", "1>0"));
+  EXPECT_THAT(type.values(), ElementsAre("i>@", "@>d"));
+  EXPECT_EQ(name.count(), 0);
+}
+
 Ref<NSNetService> registration(std::string_view domain, std::string_view name) {
   return NSNetService::initWithDomain(domain, "_quillmarsh._tcp.", name);
 }
@@ -121,6 +164,17 @@ TEST(ChangesByThemselves, BeingWideAreaDependsOnTheMainRegistration) {
   server->setMainService(
       registration("1." + RVFQMServerService::wideAreaDomainSuffixes().front(), "Till"));
   EXPECT_THAT(watch.values(), ElementsAre("0>1"));
+}
+
+TEST(ChangesByThemselves, TheNameOfAServerFollowsItsMainRegistration) {
+  const auto server = std::make_shared<RVFQMServerService>();
+  const Watch watch(server, "name");
+  server->setMainService(registration("local.", "Till"));
+  server->setMainService(
+      registration("1." + RVFQMServerService::wideAreaDomainSuffixes().front(), "Till"));
+  server->setMainService(nullptr);
+  EXPECT_THAT(watch.values(), ElementsAre("<null>>Till", "Till>Till (Back to My Mac)",
+                                          "Till (Back to My Mac)><null>"));
 }
 
 TEST(ChangesByThemselves, APathLeadsThroughAServerToItsRegistration) {
