@@ -8,6 +8,7 @@
 #include <functional>
 #include <limits>
 #include <optional>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -113,6 +114,10 @@ struct ScalarRow {
   id value;
   std::string typeCode;
 };
+
+std::ostream& operator<<(std::ostream& stream, const ScalarRow& row) {
+  return stream << row.key << " = " << row.value->description();
+}
 
 class CodedScalar : public testing::TestWithParam<ScalarRow> {};
 
