@@ -8,7 +8,6 @@ Usage: notification_test.py RVF [unittest options]. Needs the right to make netw
 import contextlib
 import json
 import os
-import re
 import signal
 import socket
 import subprocess
@@ -16,34 +15,15 @@ import sys
 import time
 import unittest
 
+import processes
+
 RVF = sys.argv[1]
 MENU, PRICES = "_menu._tcp", "_prices._tcp"
-
-
-def enter_private_network():
-    """Moves this process into a network with only a loopback interface."""
-    if os.environ.get("RVF_TEST_NETWORK") == "private":
-        return
-    environment = dict(os.environ, RVF_TEST_NETWORK="private")
-    command = ["unshare", "--net", "--", "sh", "-c", 'ip link set lo up && exec "$0" "$@"',
-               sys.executable] + sys.argv
-    os.execvpe(command[0], command, environment)
 
 
 def rvf(*arguments, **options):
     options.setdefault("timeout", 60)
     return subprocess.run([RVF, *arguments], capture_output=True, text=True, check=False, **options)
-
-
-def wait_until_blocked(process, number):
-    """Waits until the process handles a signal by itself."""
-    for _ in range(1000):
-        with open(f"/proc/{process.pid}/status", encoding="utf-8") as status:
-            blocked = re.search(r"^SigBlk:\s*([0-9a-f]+)$", status.read(), re.MULTILINE)
-        if int(blocked[1], 16) & 1 << number - 1:
-            return
-        time.sleep(0.01)
-    raise RuntimeError("the signal is not blocked")
 
 
 @contextlib.contextmanager
@@ -79,7 +59,7 @@ class Running:
     def end(self, number=None):
         """Its exit code and what it has written since."""
         if number is not None:
-            wait_until_blocked(self.process, number)
+            processes.wait_until_blocked(self.process, number)
             self.process.send_signal(number)
         output, errors = self.process.communicate(timeout=60)
         return self.process.returncode, output, errors
@@ -194,5 +174,5 @@ class NotificationTest(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    enter_private_network()
+    processes.enter_private_network()
     unittest.main(argv=[sys.argv[0]] + sys.argv[2:], verbosity=2)

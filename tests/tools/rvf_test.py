@@ -18,24 +18,13 @@ import subprocess
 import sys
 import tempfile
 import threading
-import time
 import unittest
+
+import processes
 
 RVF, STOREFRONT = sys.argv[1:3]
 PRODUCTS = 2000
-
-
-def enter_private_network():
-    """Moves this process into a network with only a loopback interface and hosts of its own."""
-    if os.environ.get("RVF_TEST_NETWORK") == "private":
-        return
-    environment = dict(os.environ, RVF_TEST_NETWORK="private")
-    script = (
-        'ip link set lo up && hosts=$(mktemp) && '
-        'printf "%s\\n" "127.0.0.1 localhost both" "::1 localhost both" >"$hosts" && '
-        'mount --bind "$hosts" /etc/hosts && rm "$hosts" && exec "$0" "$@"')
-    command = ["unshare", "--net", "--mount", "--", "sh", "-c", script, sys.executable] + sys.argv
-    os.execvpe(command[0], command, environment)
+HOSTS = ["127.0.0.1 localhost both", "::1 localhost both"]
 
 
 def rvf(*arguments, **options):
@@ -64,17 +53,6 @@ def on_terminal(stream, *arguments, **environment):
     process.wait(timeout=20)
     os.close(controller)
     return output.decode()
-
-
-def wait_until_blocked(process, number):
-    """Waits until the process handles a signal by itself."""
-    for _ in range(1000):
-        with open(f"/proc/{process.pid}/status", encoding="utf-8") as status:
-            blocked = re.search(r"^SigBlk:\s*([0-9a-f]+)$", status.read(), re.MULTILINE)
-        if int(blocked[1], 16) & 1 << number - 1:
-            return
-        time.sleep(0.01)
-    raise RuntimeError("the signal is not blocked")
 
 
 class Shop:
@@ -280,7 +258,7 @@ class ToolTest(unittest.TestCase):
             with self.subTest(command=command):
                 process = subprocess.Popen([RVF, *command, "--timeout", "50"], text=True,
                                            stdout=subprocess.PIPE, stderr=subprocess.PIPE)
-                wait_until_blocked(process, signal.SIGINT)
+                processes.wait_until_blocked(process, signal.SIGINT)
                 process.send_signal(signal.SIGINT)
                 _, errors = process.communicate(timeout=20)
                 self.assertEqual(process.returncode, 75)
@@ -417,5 +395,5 @@ class NoDiscoveryTest(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    enter_private_network()
+    processes.enter_private_network(HOSTS)
     unittest.main(argv=[sys.argv[0]] + sys.argv[3:], verbosity=2)

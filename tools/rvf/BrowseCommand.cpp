@@ -1,20 +1,34 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tools/rvf/BrowseCommand.h"
 
+#include <unistd.h>
+
 #include <csignal>
+#include <cstdlib>
 #include <iostream>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include "Platform/RunLoop/NSRunLoop.h"
 #include "RVFoundation/ServerDiscovery/RVFQMServerServiceBrowser.h"
+#include "tools/rvf/CommandLine.h"
 #include "tools/rvf/DiscoveryCheck.h"
 #include "tools/rvf/Finding.h"
+#include "tools/rvf/OptionKinds.h"
+#include "tools/terminal/CapableTerminal.h"
+#include "tools/terminal/ExitCode.h"
 #include "tools/terminal/SignalWatch.h"
 
 namespace rvf::tool {
 namespace {
+
+struct BrowseOptions {
+  std::optional<double> seconds;  ///< absent: until interrupted
+  bool asJson = false;            ///< one object a line
+};
 
 struct Event {
   const char* word;
@@ -46,30 +60,35 @@ void printLine(const Event& event, const std::string& name, const RVFQMServerSer
   std::cout << (inColour ? "\x1b[0m" : "") << std::endl;
 }
 
+/// https://no-color.org: any value that is not empty switches colour off.
+bool wantsColour() {
+  const char* noColour = std::getenv("NO_COLOR");  // NOLINT(concurrency-mt-unsafe): one thread yet
+  return isCapableTerminal(STDOUT_FILENO) && (!noColour || std::string_view(noColour).empty());
+}
+
 /// Prints events; remembers names, because a server that is gone has none any more.
 class Listing final {
  public:
-  explicit Listing(const BrowseOptions& options) : options_(options) {}
+  explicit Listing(bool asJson) : asJson_(asJson), inColour_(wantsColour()) {}
 
   void show(const Event& event, const Ref<RVFQMServerService>& server) {
     if (!server) return;
     if (const auto name = server->name()) names_[server.get()] = *name;
     const std::string name = names_[server.get()];
     if (&event == &kRemoved) names_.erase(server.get());
-    if (options_.asJson) {
+    if (asJson_) {
       printJson(event, name, *server);
     } else {
-      printLine(event, name, *server, options_.inColour);
+      printLine(event, name, *server, inColour_);
     }
     if (!std::cout) NSRunLoop::mainRunLoop()->stop();
   }
 
  private:
-  const BrowseOptions& options_;
+  const bool asJson_;
+  const bool inColour_;
   std::map<const RVFQMServerService*, std::string> names_;
 };
-
-}  // namespace
 
 ExitCode browseCommand(const BrowseOptions& options) {
   const auto loop = NSRunLoop::mainRunLoop();
@@ -87,7 +106,7 @@ ExitCode browseCommand(const BrowseOptions& options) {
       loop->stop();
     });
   }
-  Listing listing(options);
+  Listing listing(options.asJson);
   const auto browser = RVFQMServerServiceBrowser::serviceBrowser();
   browser->startBrowsingWithServiceListChangedHandler(
       [&listing](const auto& added, const auto& removed, const auto& changed) {
@@ -102,6 +121,22 @@ ExitCode browseCommand(const BrowseOptions& options) {
     return ExitCode::unavailable;
   }
   return std::cout ? ExitCode::ok : ExitCode::ioError;
+}
+
+}  // namespace
+
+void addBrowseCommand(CommandLine& line) {
+  const auto options = std::make_shared<BrowseOptions>();
+  CLI::App& command =
+      line.addCommand("browse", "List the servers of the network as they come and go",
+                      [options] { return browseCommand(*options); });
+  addJsonFlag(command, options->asJson, "One JSON object a line");
+  addEndOption(command, options->seconds);
+  command.footer(
+      "A line begins with + for a server that has come, = for one that has changed, and - for one\n"
+      "that has gone. Then follow its name, \"demo\" or \"live\" once the server has told which "
+      "it\n"
+      "is, and its domain.");
 }
 
 }  // namespace rvf::tool

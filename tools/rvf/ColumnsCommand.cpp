@@ -3,14 +3,25 @@
 
 #include <cmath>
 #include <iostream>
+#include <string>
 
 #include "Platform/Storage/NSPropertyListSerialization.h"
 #include "Platform/Values/NSNumber.h"
 #include "RVFoundation/PlatformUtilities/RVFColumnWidthRegistry.h"
+#include "tools/rvf/CommandLine.h"
 #include "tools/rvf/Finding.h"
+#include "tools/rvf/OptionKinds.h"
+#include "tools/terminal/ExitCode.h"
 
 namespace rvf::tool {
 namespace {
+
+struct ColumnsOptions {
+  std::string file;  ///< a property list of column widths
+  std::string table;
+  std::string column;
+  bool asJson = false;
+};
 
 ExitCode fail(const std::string& file, const NSError& error) {
   const auto problem =
@@ -41,8 +52,6 @@ void printJson(const RVFColumnWidthInfo& info) {
             << "\n";
 }
 
-}  // namespace
-
 ExitCode columnsCommand(const ColumnsOptions& options) {
   RVFColumnWidthRegistry registry;
   Ref<NSError> error;
@@ -59,6 +68,18 @@ ExitCode columnsCommand(const ColumnsOptions& options) {
     print(*info);
   }
   return std::cout.flush() ? ExitCode::ok : ExitCode::ioError;
+}
+
+}  // namespace
+
+void addColumnsCommand(CommandLine& line) {
+  const auto options = std::make_shared<ColumnsOptions>();
+  CLI::App& command = line.addCommand("columns", "Print the widths and order of a table's column",
+                                      [options] { return columnsCommand(*options); });
+  command.add_option("FILE", options->file, "A property list of column widths")->required();
+  command.add_option("TABLE", options->table, "The table's identifier")->required();
+  command.add_option("COLUMN", options->column, "The column's key")->required();
+  addJsonFlag(command, options->asJson);
 }
 
 }  // namespace rvf::tool

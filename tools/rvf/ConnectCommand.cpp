@@ -4,17 +4,31 @@
 #include <chrono>
 #include <iostream>
 #include <memory>
+#include <optional>
+#include <string>
 
 #include "Platform/Network/NSURL.h"
 #include "RVFoundation/ServerDiscovery/NSURL-RVFExtensions.h"
 #include "RVFoundation/ServerDiscovery/NSURLRequest-RVFExtensions.h"
+#include "tools/rvf/CommandLine.h"
 #include "tools/rvf/CommandTransfer.h"
 #include "tools/rvf/ConnectionReport.h"
+#include "tools/rvf/OptionKinds.h"
 #include "tools/rvf/ServerFinder.h"
+#include "tools/terminal/ExitCode.h"
 #include "tools/terminal/ProgressLine.h"
 
 namespace rvf::tool {
 namespace {
+
+struct ConnectOptions {
+  std::string name;                          ///< the server to find; empty: the first that is found
+  std::optional<std::string> staticAddress;  ///< a hand-entered address instead of browsing
+  std::string command = "catalogue";
+  std::string authorityFile;
+  double timeoutSeconds = 10;
+  bool asJson = false;
+};
 
 std::string textOf(const Ref<NSError>& error) {
   if (!error) return "the answer cannot be read";
@@ -79,8 +93,6 @@ ExitCode connectTo(const Finding& finding, const ConnectOptions& options) {
   return result.code;
 }
 
-}  // namespace
-
 ExitCode connectCommand(const ConnectOptions& options) {
   const FindResult found =
       options.staticAddress
@@ -90,6 +102,32 @@ ExitCode connectCommand(const ConnectOptions& options) {
   if (found.finding) return connectTo(*found.finding, options);
   complain(found.message);
   return found.code;
+}
+
+}  // namespace
+
+void addConnectCommand(CommandLine& line) {
+  const auto options = std::make_shared<ConnectOptions>();
+  CLI::App& command =
+      line.addCommand("connect", "Find a server, send it a command and read its answer",
+                      [options] { return connectCommand(*options); });
+  auto* name = command.add_option("NAME", options->name, "The server's name; default: the first");
+  command
+      .add_option("--static", options->staticAddress, "A hand-entered address instead of browsing")
+      ->type_name("ADDRESS")
+      ->excludes(name);
+  command.add_option("--command", options->command, "The command's path")
+      ->type_name("PATH")
+      ->capture_default_str();
+  command
+      .add_option("--ca-file", options->authorityFile,
+                  "Certificate authority to verify against (PEM); default: the system's")
+      ->type_name("FILE");
+  addTimeoutOption(command, options->timeoutSeconds, "Seconds to find the server");
+  addJsonFlag(command, options->asJson);
+  command.footer(
+      "The server's certificate is always verified. Its addresses are tried in their order until\n"
+      "one can be reached. The answer is inflated and parsed as it arrives, and only counted.");
 }
 
 }  // namespace rvf::tool

@@ -5,6 +5,7 @@
 #include <iostream>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -14,10 +15,18 @@
 #include "RVFoundation/RuntimeServices/NSObject-RVFProperties.h"
 #include "RVFoundation/RuntimeServices/RVFClassIvarDescriptor.h"
 #include "RVFoundation/RuntimeServices/RVFPropertyHelpers.h"
+#include "tools/rvf/CommandLine.h"
 #include "tools/rvf/Finding.h"
+#include "tools/rvf/OptionKinds.h"
+#include "tools/terminal/ExitCode.h"
 
 namespace rvf::tool {
 namespace {
+
+struct DescribeOptions {
+  std::string className;
+  bool asJson = false;
+};
 
 using Json = nlohmann::ordered_json;
 
@@ -117,20 +126,29 @@ void printText(Class aClass) {
   printSection("methods", methodLines(aClass));
 }
 
-}  // namespace
-
-ExitCode describeCommand(const std::string& className, bool asJson) {
-  const Class aClass = objc_getClass(className);
+ExitCode describeCommand(const DescribeOptions& options) {
+  const Class aClass = objc_getClass(options.className);
   if (!aClass) {
-    complain("there is no class named \"" + className + "\"");
+    complain("there is no class named \"" + options.className + "\"");
     return ExitCode::dataError;
   }
-  if (asJson) {
+  if (options.asJson) {
     std::cout << jsonOf(aClass).dump() << "\n";
   } else {
     printText(aClass);
   }
   return std::cout.flush() ? ExitCode::ok : ExitCode::ioError;
+}
+
+}  // namespace
+
+void addDescribeCommand(CommandLine& line) {
+  const auto options = std::make_shared<DescribeOptions>();
+  CLI::App& command =
+      line.addCommand("describe", "Print the properties, instance variables and methods of a class",
+                      [options] { return describeCommand(*options); });
+  command.add_option("CLASS", options->className, "For example RVFStaticServer")->required();
+  addJsonFlag(command, options->asJson);
 }
 
 }  // namespace rvf::tool

@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <string>
-
-#include "tools/terminal/ExitCode.h"
-
 namespace rvf::tool {
+
+class CommandLine;
 
 /// "rvf describe": prints what the runtime knows of a class: superclass, protocols, properties,
 /// instance variables and methods of that very class, in the runtime's order.
-ExitCode describeCommand(const std::string& className, bool asJson);
+void addDescribeCommand(CommandLine& line);
 
 }  // namespace rvf::tool

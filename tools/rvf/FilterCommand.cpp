@@ -5,7 +5,9 @@
 #include <iostream>
 #include <iterator>
 #include <set>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "Platform/Predicates/NSComparisonPredicate.h"
 #include "Platform/Predicates/PredicateFormatException.h"
@@ -17,11 +19,19 @@
 #include "RVFoundation/RuntimeServices/NSPredicate-RVFExtensions.h"
 #include "RVFoundation/RuntimeServices/NSPredicate-RVFVisiting.h"
 #include "RVFoundation/RuntimeServices/NSString-RVFPredicateExtensions.h"
+#include "tools/rvf/CommandLine.h"
 #include "tools/rvf/Finding.h"
+#include "tools/rvf/OptionKinds.h"
 #include "tools/rvf/RecordReader.h"
+#include "tools/terminal/ExitCode.h"
 
 namespace rvf::tool {
 namespace {
+
+struct FilterOptions {
+  std::string predicate;
+  std::vector<std::string> settings;  ///< "NAME=TEXT"
+};
 
 using Json = nlohmann::ordered_json;
 
@@ -162,8 +172,6 @@ void filterLines(std::istream& input, std::string_view blanks, const NSPredicate
   }
 }
 
-}  // namespace
-
 ExitCode filterCommand(const FilterOptions& options) {
   try {
     const Ref<NSPredicate> predicate = filledPredicate(options);
@@ -183,6 +191,35 @@ ExitCode filterCommand(const FilterOptions& options) {
     return ExitCode::noInput;
   }
   return std::cout.flush() ? ExitCode::ok : ExitCode::ioError;
+}
+
+}  // namespace
+
+void addFilterCommand(CommandLine& line) {
+  const auto options = std::make_shared<FilterOptions>();
+  CLI::App& command = line.addCommand(
+      "filter",
+      "Read JSON objects from standard input, each in a line of its own or all in one array, and "
+      "print those that match a predicate",
+      [options] { return filterCommand(*options); });
+  command
+      .add_option("PREDICATE", options->predicate,
+                  "For example: name CONTAINS[cd] $S AND price > 10")
+      ->required();
+  command
+      .add_option("--set", options->settings,
+                  "The text of a variable; each of its words is compared; may be given repeatedly")
+      ->type_name("NAME=TEXT")
+      ->expected(1)
+      ->allow_extra_args(false)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+  command.footer(
+      "Predicates compare keys or key paths with values: =, !=, <, <=, >, >=, BETWEEN, IN,\n"
+      "BEGINSWITH, ENDSWITH, CONTAINS, LIKE (with * and ?) and MATCHES (a regular expression), "
+      "with\n"
+      "[c] for any case and [d] for any diacritics. ANY, ALL and NONE stand before a key of "
+      "several\n"
+      "values; AND, OR, NOT and parentheses join. $NAME stands for the text that --set gives.");
 }
 
 }  // namespace rvf::tool

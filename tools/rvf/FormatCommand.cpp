@@ -4,7 +4,10 @@
 #include <charconv>
 #include <cstdint>
 #include <iostream>
+#include <optional>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "Platform/Values/NSString.h"
 #include "RVFoundation/Formatters/NSDecimalNumber-RVFExtensions.h"
@@ -16,10 +19,20 @@
 #include "RVFoundation/Formatters/RVFQuantityFormatter.h"
 #include "RVFoundation/Formatters/RVFSecondsToHoursFormatter.h"
 #include "RVFoundation/Formatters/RVFTimeFormatter.h"
+#include "tools/rvf/CommandLine.h"
 #include "tools/rvf/Finding.h"
+#include "tools/rvf/OptionKinds.h"
+#include "tools/terminal/ExitCode.h"
 
 namespace rvf::tool {
 namespace {
+
+struct FormatOptions {
+  std::string kind;
+  std::string value;
+  std::optional<std::string> locale;  ///< absent: the environment's
+  bool isReading = false;             ///< from text to value
+};
 
 Ref<NSFormatter> hoursFormatter() {
   auto formatter = std::make_shared<RVFSecondsToHoursFormatter>();
@@ -116,18 +129,6 @@ ExitCode read(const Kind& kind, const std::string& text) {
   return printed(value->description());
 }
 
-}  // namespace
-
-const std::vector<std::string>& formatKinds() {
-  static const std::vector<std::string> kNames = [] {
-    std::vector<std::string> names;
-    for (const Kind& kind : kKinds)
-      names.emplace_back(kind.name);
-    return names;
-  }();
-  return kNames;
-}
-
 ExitCode formatCommand(const FormatOptions& options) {
   if (options.locale) NSLocale::setCurrentLocaleIdentifier(options.locale);
   const Kind& kind = kindNamed(options.kind);
@@ -138,6 +139,25 @@ ExitCode formatCommand(const FormatOptions& options) {
     return ExitCode::dataError;
   }
   return printed(kind.formatter()->stringForObjectValue(value).value_or(""));
+}
+
+}  // namespace
+
+void addFormatCommand(CommandLine& line) {
+  const auto options = std::make_shared<FormatOptions>();
+  CLI::App& command = line.addCommand("format", "Write a value for people, or read such a text",
+                                      [options] { return formatCommand(*options); });
+  command.add_option("KIND", options->kind, "What the value is")
+      ->required()
+      ->check(isOneOf(namesOf(kKinds)))
+      ->type_name("WORD");
+  command
+      .add_option("VALUE", options->value,
+                  "A number such as -1234.5 (time and hours: seconds), a phone number, a yes or no")
+      ->required();
+  addLocaleOption(command, options->locale);
+  command.add_flag("--read", options->isReading, "VALUE is a text for people: print the number");
+  command.footer("Money, currency, discount and quantity can be read.");
 }
 
 }  // namespace rvf::tool

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "tools/terminal/ExitCode.h"
-
 namespace rvf::tool {
 
+class CommandLine;
+
 /// "rvf machine": prints the machine's model, memory and TCP send space.
-ExitCode machineCommand(bool asJson);
+void addMachineCommand(CommandLine& line);
 
 }  // namespace rvf::tool

@@ -3,6 +3,10 @@
 
 #include <netinet/in.h>
 #include <sys/socket.h>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include <algorithm>
 #include <csignal>
@@ -18,12 +22,21 @@
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/NSObject.h"
 #include "RVFoundation/ServerDiscovery/RVFRemoteNotificationCenter.h"
+#include "tools/rvf/CommandLine.h"
 #include "tools/rvf/DiscoveryCheck.h"
 #include "tools/rvf/Finding.h"
+#include "tools/rvf/OptionKinds.h"
+#include "tools/terminal/ExitCode.h"
 #include "tools/terminal/SignalWatch.h"
 
 namespace rvf::tool {
 namespace {
+
+struct ObserveOptions {
+  std::vector<std::string> names;
+  std::optional<double> seconds;  ///< absent: until interrupted
+  bool asJson = false;            ///< one object a delivery
+};
 
 constexpr double kPublicationSeconds = 10;
 
@@ -93,10 +106,18 @@ std::optional<std::string> repeatedName(std::vector<std::string> names) {
   return repeated == names.end() ? std::nullopt : std::optional(*repeated);
 }
 
-}  // namespace
-
+/// "_NAME._tcp".
 bool isNotificationName(std::string_view text) {
   return isServiceType(text) && text.ends_with("._tcp") && std::ranges::count(text, '.') == 1;
+}
+
+/// Notifications are DNS-SD service types: what is none would be sent to nobody, silently.
+CLI::Validator isNotification() {
+  return {[](std::string& text) -> std::string {
+            if (isNotificationName(text)) return {};
+            return "\"" + text + "\" is no notification name; these are like _menu-changed._tcp";
+          },
+          ""};
 }
 
 ExitCode postCommand(const std::string& name) {
@@ -151,6 +172,35 @@ ExitCode observeCommand(const ObserveOptions& options) {
     return ExitCode::unavailable;
   }
   return std::cout ? ExitCode::ok : ExitCode::ioError;
+}
+
+}  // namespace
+
+void addPostCommand(CommandLine& line) {
+  const auto name = std::make_shared<std::string>();
+  CLI::App& command = line.addCommand(
+      "post",
+      "Send a notification to the network; takes the ten seconds in which it can be received",
+      [name] { return postCommand(*name); });
+  command
+      .add_option("NAME", *name,
+                  "The notification, a DNS-SD service type such as _menu-changed._tcp")
+      ->required()
+      ->check(isNotification());
+}
+
+void addObserveCommand(CommandLine& line) {
+  const auto options = std::make_shared<ObserveOptions>();
+  CLI::App& command =
+      line.addCommand("observe", "Print the notifications of these names as they are delivered",
+                      [options] { return observeCommand(*options); });
+  command
+      .add_option("NAME", options->names,
+                  "The notifications, DNS-SD service types such as _menu-changed._tcp")
+      ->required()
+      ->check(isNotification());
+  addJsonFlag(command, options->asJson, "One JSON object a delivery");
+  addEndOption(command, options->seconds);
 }
 
 }  // namespace rvf::tool

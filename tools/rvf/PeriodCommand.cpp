@@ -3,15 +3,30 @@
 
 #include <algorithm>
 #include <iostream>
+#include <optional>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "RVFoundation/PlatformUtilities/NSCalendar-RVFExtensions.h"
 #include "RVFoundation/PlatformUtilities/NSDateFormatter-RVFExtensions.h"
 #include "RVFoundation/PlatformUtilities/NSLocale-RVFExtensions.h"
+#include "tools/rvf/CommandLine.h"
 #include "tools/rvf/Finding.h"
+#include "tools/rvf/OptionKinds.h"
+#include "tools/terminal/ExitCode.h"
 
 namespace rvf::tool {
 namespace {
+
+struct PeriodOptions {
+  std::string period;
+  std::optional<long> delta;        ///< years, for "first-day-of-year-with-delta"; default: 0
+  std::optional<std::string> date;  ///< "2024-03-12", with a time and its distance; default: now
+  std::optional<std::string> zone;  ///< default: the device's
+  std::optional<std::string> calendar;  ///< an identifier; default: the user's
+  bool asJson = false;
+};
 
 struct Period {
   std::string_view name;
@@ -103,18 +118,6 @@ ExitCode fail(ExitCode code, const std::string& message) {
   return code;
 }
 
-}  // namespace
-
-const std::vector<std::string>& periodNames() {
-  static const std::vector<std::string> kNames = [] {
-    std::vector<std::string> names;
-    for (const Period& period : kPeriods)
-      names.emplace_back(period.name);
-    return names;
-  }();
-  return kNames;
-}
-
 ExitCode periodCommand(const PeriodOptions& options) {
   if (options.delta && periodOf(options).boundary)
     return fail(ExitCode::usage, "--delta goes with first-day-of-year-with-delta alone");
@@ -135,6 +138,37 @@ ExitCode periodCommand(const PeriodOptions& options) {
     std::cout << isoText(result, zone) << "\n";
   }
   return std::cout.flush() ? ExitCode::ok : ExitCode::ioError;
+}
+
+}  // namespace
+
+void addPeriodCommand(CommandLine& line) {
+  const auto options = std::make_shared<PeriodOptions>();
+  CLI::App& command =
+      line.addCommand("period", "Print the first or last day of a week, month or year",
+                      [options] { return periodCommand(*options); });
+  command.add_option("PERIOD", options->period, "Which day")
+      ->required()
+      ->check(isOneOf(namesOf(kPeriods)))
+      ->type_name("WORD");
+  command
+      .add_option("--delta", options->delta,
+                  "Years from the date's, for first-day-of-year-with-delta")
+      ->type_name("YEARS");
+  command
+      .add_option("--date", options->date,
+                  "Such as 2024-03-12 or 2024-03-12T02:30 in the zone, or 2024-03-12T06:30:00Z or "
+                  "2024-03-12T06:30:00+02:00; default: now")
+      ->type_name("DATE");
+  command.add_option("--zone", options->zone, "Such as America/New_York; default: the device's")
+      ->type_name("ZONE");
+  command
+      .add_option("--calendar", options->calendar,
+                  "Such as gregorian, buddhist or hebrew; default: the user's")
+      ->type_name("CALENDAR");
+  addJsonFlag(command, options->asJson);
+  command.footer(
+      "Days of weeks and months keep the date's time of day; days of years begin at midnight.");
 }
 
 }  // namespace rvf::tool

@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <string>
-
-#include "tools/terminal/ExitCode.h"
-
 namespace rvf::tool {
 
-/// "rvf resolve": finds the server of this name and prints its addresses and base URLs.
-ExitCode resolveCommand(const std::string& name, double timeoutSeconds, bool asJson);
+class CommandLine;
+
+/// "rvf resolve": finds the server of a name and prints its addresses and base URLs.
+void addResolveCommand(CommandLine& line);
 
 }  // namespace rvf::tool

@@ -1,18 +1,34 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tools/rvf/ServersCommand.h"
 
+#include <cstddef>
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
 #include <iostream>
 #include <memory>
+#include <optional>
+#include <string>
 
 #include "Platform/Text/Text.h"
 #include "RVFoundation/ServerDiscovery/RVFStaticServerList.h"
+#include "tools/rvf/CommandLine.h"
+#include "tools/rvf/OptionKinds.h"
 #include "tools/rvf/ServerFinder.h"
+#include "tools/terminal/ExitCode.h"
 
 namespace rvf::tool {
 namespace {
+
+struct ServersOptions {
+  /// Instead of $XDG_CONFIG_HOME or ~/.config.
+  std::optional<std::string> configurationFolder;
+  std::string address;
+  std::optional<std::string> description;  ///< absent: the next untitled name
+  std::size_t index = 0;
+  double timeoutSeconds = 10;
+  bool asJson = false;
+};
 
 using Servers = RVFStaticServerList;
 
@@ -103,8 +119,6 @@ bool isStorable(const ServersOptions& options) {
   return false;
 }
 
-}  // namespace
-
 ExitCode listServersCommand(const ServersOptions& options) {
   const auto defaults = defaultsOf(options);
   const Servers list(defaults);
@@ -170,6 +184,67 @@ ExitCode resolveServerCommand(const ServersOptions& options) {
       std::cout << "url          " << baseUrlText(address) << "\n";
   }
   return std::cout.flush() ? ExitCode::ok : ExitCode::ioError;
+}
+
+/// The subcommands of "rvf servers", which share what is read.
+class ServersCommands final {
+ public:
+  ServersCommands(CommandLine& line, CLI::App& servers)
+      : line_(line), servers_(servers), options_(std::make_shared<ServersOptions>()) {}
+
+  void addAll() {
+    servers_.require_subcommand(1);
+    servers_
+        .add_option("--config-folder", options_->configurationFolder,
+                    "Default: $XDG_CONFIG_HOME or ~/.config. The list is kept in "
+                    "rvf/defaults.plist beneath")
+        ->type_name("FOLDER");
+    add("list", "Print the servers in their order", &listServersCommand);
+    addServer(add("add", "Add a server at the end", &addServerCommand));
+    CLI::App& insert = add("insert", "Insert a server", &insertServerCommand);
+    addIndex(insert);
+    addServer(insert);
+    addIndex(add("remove", "Remove a server", &removeServerCommand));
+    CLI::App& resolve = add("resolve", "Look up the addresses of a server", &resolveServerCommand);
+    addIndex(resolve);
+    addTimeoutOption(resolve, options_->timeoutSeconds, "Seconds to look them up");
+  }
+
+ private:
+  CLI::App& add(const char* name, const char* description,
+                ExitCode (*action)(const ServersOptions&)) {
+    CLI::App& command = line_.addCommand(servers_, name, description,
+                                         [options = options_, action] { return action(*options); });
+    addJsonFlag(command, options_->asJson, "Print JSON");
+    return command;
+  }
+
+  void addIndex(CLI::App& command) {
+    command.add_option("INDEX", options_->index, "The position in the list, from 0")
+        ->check(CLI::NonNegativeNumber)
+        ->required();
+  }
+
+  void addServer(CLI::App& command) {
+    command.add_option("ADDRESS", options_->address, "HOST, HOST:PORT, [IPv6] or [IPv6]:PORT")
+        ->required();
+    command
+        .add_option("--description", options_->description,
+                    "Default: the next untitled name that is free")
+        ->type_name("TEXT");
+  }
+
+  CommandLine& line_;
+  CLI::App& servers_;
+  const std::shared_ptr<ServersOptions> options_;
+};
+
+}  // namespace
+
+void addServersCommand(CommandLine& line) {
+  CLI::App& servers =
+      *line.app().add_subcommand("servers", "Keep the list of hand-entered servers");
+  ServersCommands(line, servers).addAll();
 }
 
 }  // namespace rvf::tool

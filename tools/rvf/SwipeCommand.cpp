@@ -10,11 +10,21 @@
 #include "Platform/Runtime/NSException.h"
 #include "Platform/Text/Utf8.h"
 #include "RVFoundation/CardReading/RVFCreditCardParser.h"
+#include "tools/rvf/CommandLine.h"
 #include "tools/rvf/Finding.h"
+#include "tools/rvf/OptionKinds.h"
+#include "tools/terminal/ExitCode.h"
 #include "tools/terminal/HiddenTyping.h"
 
 namespace rvf::tool {
 namespace {
+
+struct SwipeOptions {
+  bool asJson = false;
+  bool isRevealed = false;      ///< account numbers whole; else only first six and last four digits
+  bool isNameRequired = false;  ///< refuse a name that is not 2 to 26 characters long
+  bool isCreditCard = false;    ///< read as a payment card, see `RVFCreditCardParser`
+};
 
 using Card = Ref<RVFMagneticCardParser>;
 
@@ -193,8 +203,6 @@ bool show(const std::string& swipe, std::size_t line, const SwipeOptions& option
   return card != nullptr;
 }
 
-}  // namespace
-
 ExitCode swipeCommand(const SwipeOptions& options) {
   const HiddenTyping hidden;  // a reader types the whole swipe
   SwipeLines lines;
@@ -208,6 +216,27 @@ ExitCode swipeCommand(const SwipeOptions& options) {
     return ExitCode::noInput;
   }
   return areAllRead ? ExitCode::ok : ExitCode::dataError;
+}
+
+}  // namespace
+
+void addSwipeCommand(CommandLine& line) {
+  const auto options = std::make_shared<SwipeOptions>();
+  CLI::App& command = line.addCommand(
+      "swipe", "Read card swipes from standard input, one a line, and print their fields",
+      [options] { return swipeCommand(*options); });
+  addJsonFlag(command, options->asJson, "One JSON object a line");
+  command.add_flag("--reveal", options->isRevealed,
+                   "Print account numbers whole, not only first six and last four digits");
+  auto* requireName = command.add_flag("--require-name", options->isNameRequired,
+                                       "Refuse a name that is not 2 to 26 characters long");
+  command
+      .add_flag("--credit-card", options->isCreditCard,
+                "Read as a payment card: with a name, and the account number from track 1 only")
+      ->excludes(requireName);
+  command.footer(
+      "What is typed on a terminal is not shown. A line that is no swipe is told by its number,\n"
+      "without its text, and the next one is read.");
 }
 
 }  // namespace rvf::tool

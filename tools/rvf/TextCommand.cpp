@@ -2,7 +2,10 @@
 #include "tools/rvf/TextCommand.h"
 
 #include <iostream>
+#include <optional>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "Platform/Locale/NSLocale.h"
 #include "Platform/Runtime/NSException.h"
@@ -13,10 +16,20 @@
 #include "RVFoundation/Text/NSString-RVFExtensions.h"
 #include "RVFoundation/Text/NSString-RVFPlaceholders.h"
 #include "RVFoundation/Text/NSString-RVFWords.h"
+#include "tools/rvf/CommandLine.h"
 #include "tools/rvf/Finding.h"
+#include "tools/rvf/OptionKinds.h"
+#include "tools/terminal/ExitCode.h"
 
 namespace rvf::tool {
 namespace {
+
+struct TextOptions {
+  std::string operation;
+  std::string text;
+  std::vector<std::string> values;    ///< "key=value", for "fill"
+  std::optional<std::string> locale;  ///< absent: the environment's
+};
 
 /// Absent if the operation has no result.
 using Result = std::optional<std::string>;
@@ -85,18 +98,6 @@ const Operation& operationNamed(std::string_view name) {
   return *operation;
 }
 
-}  // namespace
-
-const std::vector<std::string>& textOperations() {
-  static const std::vector<std::string> kNames = [] {
-    std::vector<std::string> names;
-    for (const Operation& operation : kOperations)
-      names.emplace_back(operation.name);
-    return names;
-  }();
-  return kNames;
-}
-
 ExitCode textCommand(const TextOptions& options) {
   if (!options.values.empty() && options.operation != "fill") {
     complain("\"" + options.operation + "\" takes one text: quote it");
@@ -117,6 +118,21 @@ ExitCode textCommand(const TextOptions& options) {
   }
   std::cout << *result;
   return std::cout.flush() ? ExitCode::ok : ExitCode::ioError;
+}
+
+}  // namespace
+
+void addTextCommand(CommandLine& line) {
+  const auto options = std::make_shared<TextOptions>();
+  CLI::App& command = line.addCommand("text", "Escape, decode, split, digest, clean or fill a text",
+                                      [options] { return textCommand(*options); });
+  command.add_option("OPERATION", options->operation, "What to do with the text")
+      ->required()
+      ->check(isOneOf(namesOf(kOperations)))
+      ->type_name("WORD");
+  command.add_option("TEXT", options->text, "The text")->required();
+  command.add_option("KEY=VALUE", options->values, "fill: what %@(KEY) stands for");
+  addLocaleOption(command, options->locale);
 }
 
 }  // namespace rvf::tool
