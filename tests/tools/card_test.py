@@ -5,13 +5,14 @@
 Usage: card_test.py RVF [unittest options].
 """
 
-import json
 import os
 import subprocess
 import sys
 import termios
 import time
 import unittest
+
+import json_output
 
 RVF = sys.argv[1]
 BOTH_TRACKS = "%B4111111111111111^DOE/JOHN^1512101?;4111111111111111=1512101?\n"
@@ -41,7 +42,7 @@ class SwipeTest(unittest.TestCase):
     def test_prints_one_json_object_a_line(self):
         result = rvf("swipe", "--json", swipes=BOTH_TRACKS + ENCRYPTED)
         self.assertEqual(result.returncode, 0, result.stderr)
-        clear, encrypted = [json.loads(line) for line in result.stdout.splitlines()]
+        clear, encrypted = json_output.read_lines("swipe", result.stdout)
         self.assertEqual(clear, {
             "line": 1, "trackInfo": 3, "accountNumber": "411111******1111", "network": "Visa",
             "cardholderName": "DOE/JOHN", "displayCardholderName": "JOHN DOE",
@@ -68,7 +69,7 @@ class SwipeTest(unittest.TestCase):
         for number, masked in rows:
             with self.subTest(number):
                 result = rvf("swipe", "--json", swipes=f"%B{number}^DOE/JOHN^1512?\n")
-                self.assertEqual(json.loads(result.stdout)["accountNumber"], masked)
+                self.assertEqual(json_output.read("swipe", result.stdout)["accountNumber"], masked)
 
     def test_a_malformed_swipe_is_told_without_its_text_and_the_next_is_read(self):
         result = rvf("swipe", swipes=NO_SWIPE + FAULT + BOTH_TRACKS)
@@ -81,7 +82,7 @@ class SwipeTest(unittest.TestCase):
     def test_a_malformed_swipe_is_a_json_object_too(self):
         result = rvf("swipe", "--json", swipes=NO_SWIPE + FAULT)
         self.assertEqual(result.returncode, 65)
-        self.assertEqual([json.loads(line) for line in result.stdout.splitlines()], [
+        self.assertEqual(json_output.read_lines("swipe", result.stdout), [
             {"line": 1, "error": "no card swipe"},
             {"line": 2, "error": "NSRangeException: index 2 beyond bounds [0 .. 1]"}])
 
@@ -157,7 +158,7 @@ class ExpiryTest(unittest.TestCase):
                 result = rvf("expiry", text)
                 self.assertEqual(result.returncode, 0, result.stderr)
                 self.assertEqual(result.stdout, "month        12\nyear         2031\n")
-        self.assertEqual(json.loads(rvf("expiry", "1/2031", "--json").stdout),
+        self.assertEqual(json_output.read("expiry", rvf("expiry", "1/2031", "--json").stdout),
                          {"month": 1, "year": 2031})
 
     def test_prints_message_and_suggestion_as_they_stand(self):
@@ -180,7 +181,7 @@ class ExpiryTest(unittest.TestCase):
     def test_an_error_is_a_json_object_too(self):
         result = rvf("expiry", "--json", "13/25")
         self.assertEqual((result.returncode, result.stderr), (65, ""))
-        self.assertEqual(json.loads(result.stdout), {
+        self.assertEqual(json_output.read("expiry", result.stdout), {
             "domain": "RVFErrorDomain", "code": 304,
             "message": "Invalid expiry month value '13'.",
             "suggestion": "Enter a number between 1 and 12."})

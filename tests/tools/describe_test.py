@@ -2,11 +2,12 @@
 # SPDX-License-Identifier: Apache-2.0
 """Runs "rvf describe" as its users do. Usage: describe_test.py RVF [unittest options]."""
 
-import json
 import os
 import subprocess
 import sys
 import unittest
+
+import json_output
 
 RVF = sys.argv[1]
 
@@ -21,7 +22,7 @@ def rvf(*arguments, **options):
 def described(name):
     result = rvf("describe", name, "--json")
     assert (result.returncode, result.stderr) == (0, ""), result
-    return json.loads(result.stdout)
+    return json_output.read("describe", result.stdout)
 
 
 class DescribeTest(unittest.TestCase):
@@ -72,6 +73,13 @@ class DescribeTest(unittest.TestCase):
                 result = rvf("describe", name)
                 self.assertEqual((result.returncode, result.stdout), (65, ""))
                 self.assertEqual(result.stderr, f'rvf: there is no class named "{name}"\n')
+
+    def test_an_error_is_a_json_object_too(self):
+        result = rvf("describe", "NoSuchClass", "--json")
+        self.assertEqual(result.returncode, 65)
+        self.assertEqual(json_output.read("describe", result.stdout),
+                         {"domain": "rvf", "code": 65,
+                          "message": 'there is no class named "NoSuchClass"'})
 
     def test_needs_a_class(self):
         self.assertEqual(rvf("describe").returncode, 64)

@@ -6,7 +6,6 @@ Usage: notification_test.py RVF [unittest options]. Needs the right to make netw
 """
 
 import contextlib
-import json
 import os
 import signal
 import socket
@@ -15,6 +14,7 @@ import sys
 import time
 import unittest
 
+import json_output
 import processes
 
 RVF = sys.argv[1]
@@ -77,13 +77,13 @@ class NotificationTest(unittest.TestCase):
         observers = [Running(self, "observe", MENU), Running(self, "observe", "--json", MENU)]
         Running(self, "post", MENU)
         self.assertEqual(observers[0].line(), MENU + "\n")
-        self.assertEqual(json.loads(observers[1].line()), {"name": MENU})
+        self.assertEqual(json_output.read("observe", observers[1].line()), {"name": MENU})
 
     def test_each_name_is_told_by_itself(self):
         observer = Running(self, "observe", "--json", PRICES, MENU)
         for name in (MENU, PRICES, MENU):
             Running(self, "post", name)
-            self.assertEqual(json.loads(observer.line()), {"name": name})
+            self.assertEqual(json_output.read("observe", observer.line()), {"name": name})
 
     def test_other_names_are_not_told(self):
         Running(self, "post", PRICES)

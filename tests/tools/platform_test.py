@@ -5,7 +5,6 @@
 Usage: platform_test.py RVF [unittest options].
 """
 
-import json
 import os
 import plistlib
 import re
@@ -14,6 +13,8 @@ import sys
 import tempfile
 import unittest
 from pathlib import Path
+
+import json_output
 
 RVF = os.path.abspath(sys.argv[1])
 
@@ -30,6 +31,17 @@ class ToolTest(unittest.TestCase):
         result = rvf(*arguments, **environment)
         self.assertEqual((result.returncode, result.stderr), (0, ""), arguments)
         return result.stdout
+
+    def read(self, command, *arguments, **environment):
+        return json_output.read(command, self.done(command, *arguments, "--json", **environment))
+
+    def assert_fails_in_json(self, code, command, *arguments):
+        """Fails with this exit code, and the same message for programs and for people."""
+        with self.subTest(arguments=arguments):
+            result = rvf(command, *arguments, "--json")
+            self.assertEqual(result.returncode, code)
+            error = json_output.read(command, result.stdout)
+            self.assertEqual(result.stderr, f"rvf: {error['message']}\n")
 
     def assert_fails(self, code, message, *arguments):
         with self.subTest(arguments=arguments):
@@ -97,17 +109,16 @@ class PeriodTest(ToolTest):
                                    "--date", "2024-03-12"), "-0976-01-01T00:00:00+00:00\n")
 
     def test_prints_json_with_the_calendars_fields(self):
-        answer = json.loads(self.done("period", "first-day-of-current-month", "--json", "--date",
-                                      "2024-02-20", "--calendar", "hebrew", "--zone",
-                                      "Asia/Jerusalem"))
+        answer = self.read("period", "first-day-of-current-month", "--date", "2024-02-20",
+                           "--calendar", "hebrew", "--zone", "Asia/Jerusalem")
         self.assertEqual(answer, {"period": "first-day-of-current-month", "calendar": "hebrew",
                                   "zone": "Asia/Jerusalem", "date": "2024-02-20T00:00:00+02:00",
                                   "result": "2024-02-10T00:00:00+02:00", "year": 5784, "month": 6,
                                   "day": 1, "weekday": 7})
 
     def test_takes_calendar_and_zone_of_the_user(self):
-        answer = json.loads(self.done("period", "first-day-of-current-year", "--json", "--date",
-                                      "2024-02-20", LC_ALL="th_TH.UTF-8", TZ="Asia/Bangkok"))
+        answer = self.read("period", "first-day-of-current-year", "--date", "2024-02-20",
+                           LC_ALL="th_TH.UTF-8", TZ="Asia/Bangkok")
         self.assertEqual((answer["calendar"], answer["zone"], answer["year"], answer["result"]),
                          ("buddhist", "Asia/Bangkok", 2567, "2024-01-01T00:00:00+07:00"))
 
@@ -131,6 +142,8 @@ class PeriodTest(ToolTest):
             self.assert_fails(65, "is no date", "period", "first-day-of-week", "--date", date)
         self.assert_fails(65, "is no date", "period", "first-day-of-week", "--date",
                           "2024-03-10T02:30", "--zone", "America/New_York")
+        self.assert_fails_in_json(65, "period", "first-day-of-week", "--date", "tomorrow")
+        self.assert_fails_in_json(64, "period", "first-day-of-week", "--zone", "Nowhere")
         self.assert_fails(65, "reach", "period", "first-day-of-year-with-delta", "--delta",
                           "9999999", "--date", "2024-03-12")
 
@@ -151,8 +164,7 @@ class ColumnsTest(ToolTest):
         for contents in [plistlib.dumps(self.REGISTRY, fmt=plistlib.FMT_XML),
                          plistlib.dumps(self.REGISTRY, fmt=plistlib.FMT_BINARY), older]:
             self.file.write_bytes(contents)
-            answer = self.done("columns", str(self.file), "orders", "number", "--json")
-            self.assertEqual(json.loads(answer), self.NUMBER)
+            self.assertEqual(self.read("columns", str(self.file), "orders", "number"), self.NUMBER)
 
     def test_prints_lines_for_people(self):
         self.file.write_bytes(plistlib.dumps(self.REGISTRY))
@@ -168,11 +180,11 @@ class ColumnsTest(ToolTest):
             self.file.write_bytes(plistlib.dumps({"orders": {"Default Column Width":
                                                              float(width)}}))
             self.done("columns", str(self.file), "orders", "number")
-            self.assert_fails(65, "no number", "columns", str(self.file), "orders", "number",
-                              "--json")
+            self.assert_fails_in_json(65, "columns", str(self.file), "orders", "number")
 
     def test_tells_what_is_wrong_with_a_file(self):
         self.assert_fails(66, "No such file", "columns", str(self.file), "orders", "number")
+        self.assert_fails_in_json(66, "columns", str(self.file), "orders", "number")
         for contents in [b"bplist00 damaged", b"word", b"<plist>"]:
             self.file.write_bytes(contents)
             self.assert_fails(65, str(self.file), "columns", str(self.file), "orders", "number")
@@ -181,7 +193,7 @@ class ColumnsTest(ToolTest):
 
 class MachineTest(ToolTest):
     def test_prints_what_the_kernel_says(self):
-        answer = json.loads(self.done("machine", "--json"))
+        answer = self.read("machine")
         limit = int(Path("/proc/sys/net/core/wmem_max").read_text(encoding="ascii"))
         memory = int(re.search(r"MemTotal: *(\d+) kB",
                                Path("/proc/meminfo").read_text(encoding="ascii"))[1])

@@ -7,7 +7,6 @@ Usage: rvf_test.py RVF STOREFRONT [unittest options]. Needs the right to make ne
 
 import gzip
 import http.server
-import json
 import os
 import pty
 import re
@@ -20,6 +19,7 @@ import tempfile
 import threading
 import unittest
 
+import json_output
 import processes
 
 RVF, STOREFRONT = sys.argv[1:3]
@@ -107,9 +107,9 @@ class AnsweringServer:
         self.server.socket = context.wrap_socket(self.server.socket, server_side=True)
         threading.Thread(target=self.server.serve_forever, daemon=True).start()
 
-    def ask(self, body, status=200, address="127.0.0.1:9900", **options):
+    def ask(self, body, *arguments, status=200, address="127.0.0.1:9900"):
         self.status, self.body = status, body
-        return rvf("connect", "--static", address, "--ca-file", self.certificate, **options)
+        return rvf("connect", "--static", address, "--ca-file", self.certificate, *arguments)
 
     def close(self):
         self.server.shutdown()
@@ -138,7 +138,7 @@ class ToolTest(unittest.TestCase):
         result = rvf("connect", "--ca-file", self.shop.authority, "--json")
         self.assertEqual(result.returncode, 0, result.stderr)
         self.assertEqual(result.stderr, "")
-        report = json.loads(result.stdout)
+        report = json_output.read("connect", result.stdout)
         self.assertEqual(report["name"], "Till Åäö")
         self.assertIs(report["demo"], True)
         self.assertIn(f"127.0.0.1:{self.shop.port}", report["addresses"])
@@ -151,7 +151,7 @@ class ToolTest(unittest.TestCase):
                 result = rvf("connect", "--static", address, "--ca-file", self.shop.authority,
                              "--json")
                 self.assertEqual(result.returncode, 0, result.stderr)
-                report = json.loads(result.stdout)
+                report = json_output.read("connect", result.stdout)
                 self.assertIsNone(report["demo"])
                 self.assert_whole_catalogue(report)
 
@@ -166,7 +166,7 @@ class ToolTest(unittest.TestCase):
     def test_resolve_prints_addresses_and_urls(self):
         result = rvf("resolve", "Till Åäö", "--json")
         self.assertEqual(result.returncode, 0, result.stderr)
-        report = json.loads(result.stdout)
+        report = json_output.read("resolve", result.stdout)
         self.assertRegex(report["url"], r"^https://.*:\d+/$")
         text = rvf("resolve", "Till Åäö")
         self.assertIn(f"url          https://127.0.0.1:{self.shop.port}/\n", text.stdout)
@@ -174,7 +174,7 @@ class ToolTest(unittest.TestCase):
     def test_browse_lists_added_then_changed(self):
         result = rvf("browse", "--json", "--for", "3")
         self.assertEqual(result.returncode, 0, result.stderr)
-        events = [json.loads(line) for line in result.stdout.splitlines()]
+        events = json_output.read_lines("browse", result.stdout)
         own = [event for event in events if event["name"] == "Till Åäö"]
         self.assertEqual([event["event"] for event in own], ["added", "changed"])
         self.assertEqual([event["demo"] for event in own], [None, True])
@@ -222,6 +222,25 @@ class ToolTest(unittest.TestCase):
                 result = rvf(*arguments)
                 self.assertEqual(result.returncode, code, result.stderr)
                 self.assertIn(message, result.stderr)
+
+    def test_a_failure_is_a_json_object_too(self):
+        shop = ["--static", f"127.0.0.1:{self.shop.port}"]
+        rows = [
+            (["connect", "Nobody", "--timeout", "1"], 68, "rvf", 68),
+            (["resolve", "Nobody", "--timeout", "1"], 68, "rvf", 68),
+            (["connect", "--static", "127.0.0.1:1"], 69, "libcurl", 7),
+            (["connect", *shop], 76, "libcurl", 60),
+            (["connect", *shop, "--ca-file", "/nowhere"], 66, "libcurl", 77),
+            (["connect", *shop, "--ca-file", self.shop.authority, "--command", "nothing"], 76,
+             "HTTP", 404),
+        ]
+        for arguments, exit_code, domain, code in rows:
+            with self.subTest(arguments=arguments):
+                result = rvf(*arguments, "--json")
+                self.assertEqual(result.returncode, exit_code, result.stderr)
+                error = json_output.read(arguments[0], result.stdout)
+                self.assertEqual((error["domain"], error["code"]), (domain, code))
+                self.assertEqual(result.stderr, f"rvf: {error['message']}\n")
 
     def test_a_full_disk_is_an_output_error(self):
         with open("/dev/full", "w", encoding="utf-8") as full:
@@ -322,6 +341,12 @@ class BadAnswerTest(unittest.TestCase):
                 self.assertEqual(result.returncode, 65, result.stderr)
                 self.assertIn(message, result.stderr)
 
+    def test_an_answer_that_cannot_be_read_is_a_json_object_too(self):
+        result = self.server.ask(b"<a/>", "--json")
+        self.assertEqual(result.returncode, 65)
+        error = json_output.read("connect", result.stdout)
+        self.assertEqual((error["domain"], error["code"]), ("RVFErrorDomain", 307))
+
     def test_every_status_but_200_is_a_protocol_error(self):
         for status, body in ((500, b"no"), (404, b""), (302, b""), (204, b""),
                              (201, gzip.compress(b"<catalogue/>"))):
@@ -382,6 +407,15 @@ class NoDiscoveryTest(unittest.TestCase):
     def test_without_a_daemon(self):
         self.assert_unavailable("daemon", "no Avahi daemon answers on the system bus",
                                 DBUS_SYSTEM_BUS_ADDRESS="unix:path=/nonexistent")
+
+    def test_what_is_unavailable_is_a_json_object_too(self):
+        environment = {**os.environ, "DBUS_SYSTEM_BUS_ADDRESS": "unix:path=/nonexistent"}
+        for command in self.COMMANDS:
+            with self.subTest(command=command):
+                result = rvf("--backend", "daemon", *command, "--json", env=environment)
+                error = json_output.read(command[0], result.stdout)
+                self.assertEqual((result.returncode, error["domain"], error["code"]),
+                                 (69, "rvf", 69))
 
     def test_without_the_port_of_multicast_dns(self):
         stack = ("the multicast DNS port, 5353, cannot be opened; another program may hold it for "

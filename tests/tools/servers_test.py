@@ -5,7 +5,6 @@
 Usage: servers_test.py RVF [unittest options].
 """
 
-import json
 import os
 import plistlib
 import subprocess
@@ -13,6 +12,8 @@ import sys
 import tempfile
 import unittest
 from pathlib import Path
+
+import json_output
 
 RVF = os.path.abspath(sys.argv[1])
 
@@ -40,12 +41,15 @@ class ServersTest(unittest.TestCase):
         self.assertEqual((result.returncode, result.stderr), (0, ""))
         return result.stdout
 
+    def read(self, command, *arguments):
+        return json_output.read(f"servers {command}", self.done(command, *arguments, "--json"))
+
     def stored(self):
         return plistlib.loads(self.file.read_bytes())["static servers"]
 
     def test_an_empty_list_prints_nothing_and_makes_nothing(self):
         self.assertEqual(self.done("list"), "")
-        self.assertEqual(json.loads(self.done("list", "--json")), [])
+        self.assertEqual(self.read("list"), [])
         self.assertFalse(self.file.exists())
 
     def test_adds_with_a_description_or_the_next_untitled_name(self):
@@ -68,14 +72,14 @@ class ServersTest(unittest.TestCase):
         self.assertEqual(self.stored(), [])
 
     def test_prints_json(self):
-        added = json.loads(self.done("add", "a", "--description", "é", "--json"))
+        added = self.read("add", "a", "--description", "é")
         self.assertEqual(added, {"index": 0, "address": "a", "description": "é",
                                  "displayName": "é", "id": self.stored()[0]["serverId"]})
-        self.assertEqual(json.loads(self.done("list", "--json")), [added])
-        inserted = json.loads(self.done("insert", "0", "b", "--json"))
+        self.assertEqual(self.read("list"), [added])
+        inserted = self.read("insert", "0", "b")
         self.assertEqual((inserted["index"], inserted["address"]), (0, "b"))
         added["index"] = 1
-        self.assertEqual(json.loads(self.done("remove", "1", "--json")), added)
+        self.assertEqual(self.read("remove", "1"), added)
 
     def test_an_index_without_server_is_68_and_changes_nothing(self):
         self.done("add", "a")
@@ -86,6 +90,22 @@ class ServersTest(unittest.TestCase):
                 self.assertEqual((result.returncode, result.stdout), (68, ""))
                 self.assertEqual(result.stderr, f"rvf: there is no server {arguments[1]}\n")
         self.assertEqual(self.stored(), before)
+
+    def test_a_failure_is_a_json_object_too(self):
+        for arguments in (["remove", "1"], ["insert", "2", "b"], ["resolve", "1"]):
+            with self.subTest(arguments):
+                result = self.run_tool(*arguments, "--json")
+                self.assertEqual(result.returncode, 68)
+                self.assertEqual(json_output.read(f"servers {arguments[0]}", result.stdout),
+                                 {"domain": "rvf", "code": 68,
+                                  "message": f"there is no server {arguments[1]}"})
+        self.file.mkdir(parents=True)
+        for arguments, code in ((["list"], 66), (["add", "a"], 73)):
+            with self.subTest(arguments):
+                result = self.run_tool(*arguments, "--json")
+                self.assertEqual(result.returncode, code)
+                error = json_output.read(f"servers {arguments[0]}", result.stdout)
+                self.assertEqual(result.stderr, f"rvf: {error['message']}\n")
 
     def test_wrong_usage_is_64(self):
         for arguments in ([], ["add"], ["remove"], ["remove", "x"], ["remove", "-1"],
@@ -101,7 +121,7 @@ class ServersTest(unittest.TestCase):
                          "server       Here\ndemo         unknown\n"
                          "addresses    127.0.0.1:8080\n"
                          "url          https://127.0.0.1:8080/\n")
-        self.assertEqual(json.loads(self.done("resolve", "0", "--json")),
+        self.assertEqual(self.read("resolve", "0"),
                          {"name": "Here", "demo": None, "addresses": ["127.0.0.1:8080"],
                           "url": "https://127.0.0.1:8080/"})
 

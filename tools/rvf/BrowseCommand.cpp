@@ -16,6 +16,7 @@
 #include "RVFoundation/ServerDiscovery/RVFQMServerServiceBrowser.h"
 #include "tools/rvf/CommandLine.h"
 #include "tools/rvf/DiscoveryCheck.h"
+#include "tools/rvf/Failure.h"
 #include "tools/rvf/Finding.h"
 #include "tools/rvf/OptionKinds.h"
 #include "tools/terminal/CapableTerminal.h"
@@ -116,10 +117,7 @@ ExitCode browseCommand(const BrowseOptions& options) {
       });
   loop->run();
   browser->stop();
-  if (problem) {
-    complain(*problem);
-    return ExitCode::unavailable;
-  }
+  if (problem) return report({ExitCode::unavailable, *problem}, options.asJson);
   return std::cout ? ExitCode::ok : ExitCode::ioError;
 }
 

@@ -9,6 +9,7 @@
 #include "Platform/Values/NSNumber.h"
 #include "RVFoundation/PlatformUtilities/RVFColumnWidthRegistry.h"
 #include "tools/rvf/CommandLine.h"
+#include "tools/rvf/Failure.h"
 #include "tools/rvf/Finding.h"
 #include "tools/rvf/OptionKinds.h"
 #include "tools/terminal/ExitCode.h"
@@ -23,13 +24,15 @@ struct ColumnsOptions {
   bool asJson = false;
 };
 
-ExitCode fail(const std::string& file, const NSError& error) {
+Failure failureOf(const std::string& file, const NSError& error) {
   const auto problem =
       error.userInfo() ? error.userInfo()->textForKey("NSDebugDescription") : std::nullopt;
   const auto cause = error.underlyingError();
-  complain(file + ": " +
-           problem.value_or(cause ? cause->localizedDescription() : error.localizedDescription()));
-  return error.code() == NSPropertyListReadCorruptError ? ExitCode::dataError : ExitCode::noInput;
+  return {
+      error.code() == NSPropertyListReadCorruptError ? ExitCode::dataError : ExitCode::noInput,
+      file + ": " +
+          problem.value_or(cause ? cause->localizedDescription() : error.localizedDescription()),
+      numberOf(error)};
 }
 
 void print(const RVFColumnWidthInfo& info) {
@@ -56,11 +59,10 @@ ExitCode columnsCommand(const ColumnsOptions& options) {
   RVFColumnWidthRegistry registry;
   Ref<NSError> error;
   if (!registry.loadFromFile(NSURL::fileURLWithPath(options.file), &error))
-    return fail(options.file, *error);
+    return report(failureOf(options.file, *error), options.asJson);
   const auto info = registry.columnWidthInfoForKey(options.column, options.table);
   if (options.asJson && !areNumbers(*info)) {
-    complain(options.file + ": a width is infinite or no number");
-    return ExitCode::dataError;
+    return report({ExitCode::dataError, options.file + ": a width is infinite or no number"}, true);
   }
   if (options.asJson) {
     printJson(*info);

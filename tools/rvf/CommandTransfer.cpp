@@ -88,12 +88,14 @@ bool isUnreachable(CURL* curl, CURLcode code) {
 
 TransferResult resultOf(CURL* curl, CURLcode code, const char* detail) {
   if (code != CURLE_OK) {
-    return {exitCodeFor(code), *detail ? detail : curl_easy_strerror(code),
+    return {Failure{exitCodeFor(code), *detail ? detail : curl_easy_strerror(code),
+                    ErrorNumber{"libcurl", code}},
             isUnreachable(curl, code)};
   }
   const long status = statusOf(curl);
   if (status == kOk) return {};
-  return {ExitCode::protocol, "the server answered with status " + std::to_string(status)};
+  return {Failure{ExitCode::protocol, "the server answered with status " + std::to_string(status),
+                  ErrorNumber{"HTTP", status}}};
 }
 
 }  // namespace
@@ -101,7 +103,7 @@ TransferResult resultOf(CURL* curl, CURLcode code, const char* detail) {
 TransferResult sendCommand(const NSURLRequest& request, const std::string& authorityFile,
                            const std::function<bool(std::string_view)>& receive) {
   const Handle curl(curl_easy_init(), &curl_easy_cleanup);
-  if (!curl) return {ExitCode::software, "libcurl cannot be set up"};
+  if (!curl) return {Failure{ExitCode::software, "libcurl cannot be set up"}};
   configure(curl.get(), request, authorityFile);
   const HeaderList headers(curl_slist_append(nullptr, "Accept-Encoding: gzip"),
                            &curl_slist_free_all);
@@ -113,7 +115,7 @@ TransferResult sendCommand(const NSURLRequest& request, const std::string& autho
   curl_easy_setopt(curl.get(), CURLOPT_WRITEDATA, &receiver);
   const CURLcode code = curl_easy_perform(curl.get());
   if (receiver.raised) std::rethrow_exception(receiver.raised);
-  if (receiver.stopped) return {ExitCode::dataError, "stopped"};
+  if (receiver.stopped) return {Failure{ExitCode::dataError, "stopped"}};
   return resultOf(curl.get(), code, detail.data());
 }
 

@@ -2,18 +2,18 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
 #include "Platform/Network/NSURLRequest.h"
-#include "tools/terminal/ExitCode.h"
+#include "tools/rvf/Failure.h"
 
 namespace rvf::tool {
 
-/// How a transfer ended: `code` is ok, or `message` says why not.
+/// How a transfer ended.
 struct TransferResult {
-  ExitCode code = ExitCode::ok;
-  std::string message;
+  std::optional<Failure> failure = {};  ///< absent: well
   /// No connection came about, so another address of the same server may still serve.
   bool isUnreachable = false;
 };

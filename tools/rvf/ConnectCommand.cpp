@@ -30,10 +30,12 @@ struct ConnectOptions {
   bool asJson = false;
 };
 
-std::string textOf(const Ref<NSError>& error) {
-  if (!error) return "the answer cannot be read";
-  return error->domain() + " " + std::to_string(error->code()) + ": " +
-         error->localizedDescription();
+Failure failureToRead(const Ref<NSError>& error) {
+  if (!error) return {ExitCode::dataError, "the answer cannot be read"};
+  return {
+      ExitCode::dataError,
+      error->domain() + " " + std::to_string(error->code()) + ": " + error->localizedDescription(),
+      numberOf(*error)};
 }
 
 /// One answer from one address of a server.
@@ -43,10 +45,10 @@ class Connection final {
       : options_(options), url_(relativeURLWithFormat(base, "%@", options.command)) {}
 
   TransferResult run() {
-    if (!url_) return {ExitCode::usage, "\"" + options_.command + "\" makes no URL"};
+    if (!url_) return {Failure{ExitCode::usage, "\"" + options_.command + "\" makes no URL"}};
     if (!url_->port()) {
-      return {ExitCode::unavailable,
-              "the server's port is above 32767, which base URLs cannot carry"};
+      return {Failure{ExitCode::unavailable,
+                      "the server's port is above 32767, which base URLs cannot carry"}};
     }
     const auto request = NSURLRequest_RVFExtensions::RVF_postCommandWithURL(url_->absoluteURL());
     Ref<NSError> error;
@@ -58,10 +60,9 @@ class Connection final {
           return isFine;
         });
     progress_.clear();
-    if (result.code == ExitCode::dataError) result.message = textOf(error);
-    if (result.code == ExitCode::ok && !answer_.complete(&error)) {
-      return {ExitCode::dataError, textOf(error)};
-    }
+    const bool isUnreadable = result.failure ? result.failure->exitCode == ExitCode::dataError
+                                             : !answer_.complete(&error);
+    if (isUnreadable) result.failure = failureToRead(error);
     return result;
   }
 
@@ -77,20 +78,19 @@ class Connection final {
 
 /// Tries the server's addresses in order until one can be reached.
 ExitCode connectTo(const Finding& finding, const ConnectOptions& options) {
-  TransferResult result{ExitCode::unavailable, "the server has no address", false};
+  TransferResult result{Failure{ExitCode::unavailable, "the server has no address"}};
   for (const Ref<NSData>& address : finding.addresses) {
     const auto start = std::chrono::steady_clock::now();
     Connection connection(options, NSURL_RVFExtensions::RVF_CURLURLWithAddressData(address));
     result = connection.run();
-    if (result.code == ExitCode::ok) {
+    if (!result.failure) {
       const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
       print({finding, connection.url(), connection.answer(), time.count()}, options.asJson);
       return std::cout.flush() ? ExitCode::ok : ExitCode::ioError;
     }
     if (!result.isUnreachable) break;
   }
-  complain(result.message);
-  return result.code;
+  return report(*result.failure, options.asJson);
 }
 
 ExitCode connectCommand(const ConnectOptions& options) {
@@ -99,9 +99,7 @@ ExitCode connectCommand(const ConnectOptions& options) {
           ? findStaticServer(RVFStaticServer::staticServerWithAddress(*options.staticAddress),
                              options.timeoutSeconds)
           : findServer(options.name, options.timeoutSeconds);
-  if (found.finding) return connectTo(*found.finding, options);
-  complain(found.message);
-  return found.code;
+  return found.finding ? connectTo(*found.finding, options) : report(found.failure, options.asJson);
 }
 
 }  // namespace

@@ -16,6 +16,7 @@
 #include "RVFoundation/RuntimeServices/RVFClassIvarDescriptor.h"
 #include "RVFoundation/RuntimeServices/RVFPropertyHelpers.h"
 #include "tools/rvf/CommandLine.h"
+#include "tools/rvf/Failure.h"
 #include "tools/rvf/Finding.h"
 #include "tools/rvf/OptionKinds.h"
 #include "tools/terminal/ExitCode.h"
@@ -129,8 +130,8 @@ void printText(Class aClass) {
 ExitCode describeCommand(const DescribeOptions& options) {
   const Class aClass = objc_getClass(options.className);
   if (!aClass) {
-    complain("there is no class named \"" + options.className + "\"");
-    return ExitCode::dataError;
+    return report({ExitCode::dataError, "there is no class named \"" + options.className + "\""},
+                  options.asJson);
   }
   if (options.asJson) {
     std::cout << jsonOf(aClass).dump() << "\n";

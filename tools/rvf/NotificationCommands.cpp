@@ -24,6 +24,7 @@
 #include "RVFoundation/ServerDiscovery/RVFRemoteNotificationCenter.h"
 #include "tools/rvf/CommandLine.h"
 #include "tools/rvf/DiscoveryCheck.h"
+#include "tools/rvf/Failure.h"
 #include "tools/rvf/Finding.h"
 #include "tools/rvf/OptionKinds.h"
 #include "tools/terminal/ExitCode.h"
@@ -122,8 +123,8 @@ CLI::Validator isNotification() {
 
 ExitCode postCommand(const std::string& name) {
   if (!isPortToBeHad()) {
-    complain("nothing was posted: the system has no port to give");
-    return ExitCode::temporary;
+    return report({ExitCode::temporary, "nothing was posted: the system has no port to give"},
+                  false);
   }
   const auto loop = NSRunLoop::mainRunLoop();
   bool isInterrupted = false;
@@ -140,19 +141,13 @@ ExitCode postCommand(const std::string& name) {
   // Later than the end of the publication, which was scheduled before.
   const auto end = loop->scheduleTimer(kPublicationSeconds, defaultMode(), [&] { loop->stop(); });
   loop->run();
-  if (problem) {
-    complain(*problem);
-    return ExitCode::unavailable;
-  }
-  if (!isInterrupted) return ExitCode::ok;
-  complain("interrupted");
-  return ExitCode::temporary;
+  if (problem) return report({ExitCode::unavailable, *problem}, false);
+  return isInterrupted ? report({ExitCode::temporary, "interrupted"}, false) : ExitCode::ok;
 }
 
 ExitCode observeCommand(const ObserveOptions& options) {
   if (const auto repeated = repeatedName(options.names)) {
-    complain("the name " + *repeated + " is given twice");
-    return ExitCode::usage;
+    return report({ExitCode::usage, "the name " + *repeated + " is given twice"}, options.asJson);
   }
   const auto loop = NSRunLoop::mainRunLoop();
   const SignalWatch signals({SIGINT, SIGTERM}, [&loop](int) { loop->stop(); });
@@ -167,10 +162,7 @@ ExitCode observeCommand(const ObserveOptions& options) {
   const auto start = endAfter(kDiscoveryStartSeconds, false);
   const auto end = options.seconds ? endAfter(*options.seconds, true) : nullptr;
   loop->run();
-  if (problem) {
-    complain(*problem);
-    return ExitCode::unavailable;
-  }
+  if (problem) return report({ExitCode::unavailable, *problem}, options.asJson);
   return std::cout ? ExitCode::ok : ExitCode::ioError;
 }
 

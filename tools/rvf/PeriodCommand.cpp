@@ -12,6 +12,7 @@
 #include "RVFoundation/PlatformUtilities/NSDateFormatter-RVFExtensions.h"
 #include "RVFoundation/PlatformUtilities/NSLocale-RVFExtensions.h"
 #include "tools/rvf/CommandLine.h"
+#include "tools/rvf/Failure.h"
 #include "tools/rvf/Finding.h"
 #include "tools/rvf/OptionKinds.h"
 #include "tools/terminal/ExitCode.h"
@@ -113,12 +114,10 @@ Ref<NSDate> boundaryOf(const PeriodOptions& options, const Ref<NSCalendar>& cale
                          : RVF_firstDayOfYearWithDelta(calendar, options.delta.value_or(0), date);
 }
 
-ExitCode fail(ExitCode code, const std::string& message) {
-  complain(message);
-  return code;
-}
-
 ExitCode periodCommand(const PeriodOptions& options) {
+  const auto fail = [&options](ExitCode code, const std::string& message) {
+    return report({code, message}, options.asJson);
+  };
   if (options.delta && periodOf(options).boundary)
     return fail(ExitCode::usage, "--delta goes with first-day-of-year-with-delta alone");
   const auto zone =

@@ -21,10 +21,7 @@ struct ResolveOptions {
 
 ExitCode resolveCommand(const ResolveOptions& options) {
   const FindResult found = findServer(options.name, options.timeoutSeconds);
-  if (!found.finding) {
-    complain(found.message);
-    return found.code;
-  }
+  if (!found.finding) return report(found.failure, options.asJson);
   if (options.asJson) {
     std::cout << jsonText(jsonOf(*found.finding)) << "\n";
   } else {

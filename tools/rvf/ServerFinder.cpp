@@ -32,19 +32,19 @@ std::unique_ptr<RunLoopSource> timerOf(double seconds, NSRunLoop::Block block) {
 class Search final {
  public:
   Search()
-      : signals_({SIGINT, SIGTERM}, [this](int) { fail(ExitCode::temporary, "interrupted"); }) {}
+      : signals_({SIGINT, SIGTERM}, [this](int) {
+          fail({ExitCode::temporary, "interrupted"});
+        }) {}
 
   /// Starts the time anew; the search fails like this when it is up.
-  void failAfter(double seconds, ExitCode code, const std::string& message) {
-    callAfter(seconds, [this, code, message] { fail(code, message); });
+  void failAfter(double seconds, const Failure& failure) {
+    callAfter(seconds, [this, failure] { fail(failure); });
   }
   void callAfter(double seconds, NSRunLoop::Block timeIsUp) {
     timer_ = timerOf(seconds, std::move(timeIsUp));
   }
-  void fail(ExitCode code, std::string message) {
-    finish({std::nullopt, code, std::move(message)});
-  }
-  void succeed(Finding finding) { finish({std::move(finding), ExitCode::ok, ""}); }
+  void fail(Failure failure) { finish({std::nullopt, std::move(failure)}); }
+  void succeed(Finding finding) { finish({std::move(finding), {}}); }
   FindResult run() {
     if (!isDone_) NSRunLoop::mainRunLoop()->run();
     return std::move(result_);
@@ -74,8 +74,8 @@ class ServerSearch final : public std::enable_shared_from_this<ServerSearch> {
   FindResult run() {
     search_.callAfter(timeoutSeconds_, [this] {
       failUnlessDiscoveryWorks(timeoutSeconds_);
-      search_.fail(ExitCode::noHost,
-                   name_.empty() ? "no server was found" : "no server \"" + name_ + "\" was found");
+      search_.fail({ExitCode::noHost, name_.empty() ? "no server was found"
+                                                    : "no server \"" + name_ + "\" was found"});
     });
     start_ = timerOf(kDiscoveryStartSeconds,
                      [this] { failUnlessDiscoveryWorks(kDiscoveryStartSeconds); });
@@ -100,7 +100,7 @@ class ServerSearch final : public std::enable_shared_from_this<ServerSearch> {
 
   void failUnlessDiscoveryWorks(double secondsOfSearch) {
     const auto problem = discoveryProblem(secondsOfSearch);
-    if (problem) search_.fail(ExitCode::unavailable, *problem);
+    if (problem) search_.fail({ExitCode::unavailable, *problem});
   }
 
   /// A server whose record tells no demo flag is never loaded, but can be connected to.
@@ -111,7 +111,8 @@ class ServerSearch final : public std::enable_shared_from_this<ServerSearch> {
   void resolve(const Ref<RVFQMServerService>& server) {
     if (isResolving_ || !server->mainService()) return;
     isResolving_ = true;
-    search_.failAfter(timeoutSeconds_, ExitCode::temporary, "the server does not resolve in time");
+    search_.failAfter(timeoutSeconds_,
+                      {ExitCode::temporary, "the server does not resolve in time"});
     RVF_resolveWithTimeout(server->mainService(), timeoutSeconds_,
                            [self = shared_from_this(), server](const Ref<NSNetService>& service,
                                                                const Ref<NSError>& error, bool) {
@@ -121,7 +122,7 @@ class ServerSearch final : public std::enable_shared_from_this<ServerSearch> {
 
   void resolved(const RVFQMServerService& server, const NSNetService& service,
                 const Ref<NSError>& error) {
-    if (error) return search_.fail(ExitCode::temporary, textOf(*error));
+    if (error) return search_.fail({ExitCode::temporary, textOf(*error), numberOf(*error)});
     search_.succeed({server.name().value_or(""),
                      server.isLoaded() ? std::optional(server.isDemo()) : std::nullopt,
                      service.addresses()});
@@ -147,11 +148,11 @@ FindResult findServer(const std::string& name, double timeoutSeconds) {
 
 FindResult findStaticServer(const Ref<RVFStaticServer>& server, double timeoutSeconds) {
   Search search;
-  search.failAfter(timeoutSeconds, ExitCode::temporary, "the address does not resolve in time");
+  search.failAfter(timeoutSeconds, {ExitCode::temporary, "the address does not resolve in time"});
   server->resolveUsingCompletion(
       [&search](const auto& resolved, const auto& addresses, const Ref<NSError>& error, bool) {
         if (error) {
-          search.fail(exitCodeFor(*error), textOf(*error));
+          search.fail({exitCodeFor(*error), textOf(*error), numberOf(*error)});
         } else if (addresses) {
           search.succeed({resolved->displayName(), std::nullopt, *addresses});
         }

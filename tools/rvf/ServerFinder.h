@@ -7,6 +7,7 @@
 #include "Platform/RunLoop/NSRunLoop.h"
 #include "RVFoundation/ServerDiscovery/RVFQMServerService.h"
 #include "RVFoundation/ServerDiscovery/RVFStaticServer.h"
+#include "tools/rvf/Failure.h"
 #include "tools/rvf/Finding.h"
 #include "tools/terminal/ExitCode.h"
 
@@ -15,8 +16,7 @@ namespace rvf::tool {
 /// A finding, or why there is none.
 struct FindResult {
   std::optional<Finding> finding;
-  ExitCode code = ExitCode::ok;
-  std::string message;
+  Failure failure;
 };
 
 /// Browses until a server of this name (any, if empty) has told its demo flag, then resolves it.

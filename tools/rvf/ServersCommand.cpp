@@ -54,15 +54,15 @@ std::string messageOf(const NSError& error) {
 }
 
 /// Complains about defaults that could not be read or written, as the caller says.
-ExitCode fail(const NSUserDefaults& defaults, ExitCode code) {
+ExitCode fail(const NSUserDefaults& defaults, ExitCode code, bool asJson) {
   const auto error = defaults.synchronizationError();
-  complain(error ? messageOf(*error) : "the list could not be saved");
-  return code;
+  if (!error) return report({code, "the list could not be saved"}, asJson);
+  return report({code, messageOf(*error), numberOf(*error)}, asJson);
 }
 
-ExitCode failWithoutServer(std::size_t index) {
-  complain("there is no server " + std::to_string(index));
-  return ExitCode::noHost;
+ExitCode failWithoutServer(const ServersOptions& options) {
+  return report({ExitCode::noHost, "there is no server " + std::to_string(options.index)},
+                options.asJson);
 }
 
 nlohmann::json jsonOf(const std::optional<std::string>& text) {
@@ -102,8 +102,8 @@ ExitCode changeList(
     Servers list(defaults);
     server = change(list, options.index);
   });
-  if (!isSaved) return fail(*defaults, ExitCode::cannotCreate);
-  return server ? print(*server, options) : failWithoutServer(options.index);
+  if (!isSaved) return fail(*defaults, ExitCode::cannotCreate, options.asJson);
+  return server ? print(*server, options) : failWithoutServer(options);
 }
 
 Ref<RVFStaticServer> newServer(const ServersOptions& options, const Servers& list) {
@@ -114,15 +114,17 @@ Ref<RVFStaticServer> newServer(const ServersOptions& options, const Servers& lis
 }
 
 bool isStorable(const ServersOptions& options) {
-  if (isValidUtf8(options.address) && isValidUtf8(options.description.value_or(""))) return true;
-  complain("address and description must be UTF-8");
-  return false;
+  return isValidUtf8(options.address) && isValidUtf8(options.description.value_or(""));
+}
+
+ExitCode failUnstorable(const ServersOptions& options) {
+  return report({ExitCode::usage, "address and description must be UTF-8"}, options.asJson);
 }
 
 ExitCode listServersCommand(const ServersOptions& options) {
   const auto defaults = defaultsOf(options);
   const Servers list(defaults);
-  if (!defaults->synchronize()) return fail(*defaults, ExitCode::noInput);
+  if (!defaults->synchronize()) return fail(*defaults, ExitCode::noInput, options.asJson);
   nlohmann::json servers = nlohmann::json::array();
   for (std::size_t index = 0; index < list.serverCount(); ++index) {
     const auto server = list.serverAtIndex(index);
@@ -137,7 +139,7 @@ ExitCode listServersCommand(const ServersOptions& options) {
 }
 
 ExitCode addServerCommand(const ServersOptions& options) {
-  if (!isStorable(options)) return ExitCode::usage;
+  if (!isStorable(options)) return failUnstorable(options);
   return changeList(options, [&](Servers& list, std::size_t& index) {
     const auto server = newServer(options, list);
     index = list.serverCount();
@@ -147,7 +149,7 @@ ExitCode addServerCommand(const ServersOptions& options) {
 }
 
 ExitCode insertServerCommand(const ServersOptions& options) {
-  if (!isStorable(options)) return ExitCode::usage;
+  if (!isStorable(options)) return failUnstorable(options);
   return changeList(options, [&](Servers& list, const std::size_t& index) -> Ref<RVFStaticServer> {
     if (index > list.serverCount()) return nullptr;
     const auto server = newServer(options, list);
@@ -168,14 +170,11 @@ ExitCode removeServerCommand(const ServersOptions& options) {
 ExitCode resolveServerCommand(const ServersOptions& options) {
   const auto defaults = defaultsOf(options);
   const Servers list(defaults);
-  if (!defaults->synchronize()) return fail(*defaults, ExitCode::noInput);
-  if (options.index >= list.serverCount()) return failWithoutServer(options.index);
+  if (!defaults->synchronize()) return fail(*defaults, ExitCode::noInput, options.asJson);
+  if (options.index >= list.serverCount()) return failWithoutServer(options);
   const FindResult found =
       findStaticServer(list.serverAtIndex(options.index), options.timeoutSeconds);
-  if (!found.finding) {
-    complain(found.message);
-    return found.code;
-  }
+  if (!found.finding) return report(found.failure, options.asJson);
   if (options.asJson) {
     std::cout << jsonText(jsonOf(*found.finding)) << "\n";
   } else {

@@ -11,6 +11,7 @@
 #include "Platform/Text/Utf8.h"
 #include "RVFoundation/CardReading/RVFCreditCardParser.h"
 #include "tools/rvf/CommandLine.h"
+#include "tools/rvf/Failure.h"
 #include "tools/rvf/Finding.h"
 #include "tools/rvf/OptionKinds.h"
 #include "tools/terminal/ExitCode.h"
@@ -212,8 +213,7 @@ ExitCode swipeCommand(const SwipeOptions& options) {
     if (!std::cout) return ExitCode::ioError;
   }
   if (std::ferror(stdin)) {
-    complain("standard input cannot be read");
-    return ExitCode::noInput;
+    return report({ExitCode::noInput, "standard input cannot be read"}, options.asJson);
   }
   return areAllRead ? ExitCode::ok : ExitCode::dataError;
 }
