@@ -36,6 +36,19 @@ check_tool() {
   }
 }
 
+# What the tool's users read, and their shells.
+check_documents() {
+  if [[ ! -e $1/../bin/rvf ]]; then return; fi
+  local file
+  for file in man/man1/rvf.1.gz bash-completion/completions/rvf zsh/vendor-completions/_rvf \
+    rvfoundation/schemas/connect.schema.json; do
+    [[ -s $1/$file ]] || {
+      echo "the package rvf has no $file" >&2
+      return 1
+    }
+  done
+}
+
 case $kind in
   find_package)
     install_and_move
@@ -59,6 +72,7 @@ case $kind in
       --log=/dev/null -i "$work"/packages/*.deb
     build_project find_package -D CMAKE_PREFIX_PATH="$work/root/usr"
     check_tool "$work/root/usr/bin/rvf"
+    check_documents "$work/root/usr/share"
     ;;
   *)
     sed -n '/^# usage/s/^# //p' "$0" >&2
