@@ -14,6 +14,7 @@
 #include "Platform/Runtime/ClassRegistration.h"
 #include "Platform/Runtime/NSException.h"
 #include "Platform/System/UUID.h"
+#include "Platform/Text/Text.h"
 #include "Platform/Values/NSString.h"
 #include "RVFoundation/BackgroundExecution/NSObject-RVFExtensions.h"
 
@@ -44,8 +45,10 @@ const RecordKeys& recordKeys() {
   return kKeys;
 }
 
+/// No property list holds anything but UTF-8, and one bad text must not keep a whole list from
+/// being saved.
 void store(const std::optional<std::string>& text, const id& key, NSMutableDictionary& record) {
-  if (text) record.setObject(box(*text), key);
+  if (text) record.setObject(box(isValidUtf8(*text) ? *text : wellFormedUtf8(*text)), key);
 }
 
 std::string_view withoutBrackets(std::string_view host) {

@@ -93,7 +93,8 @@ class RVF_EXPORT RVFStaticServer : public NSObject {
   void setCompletion(Completion completion);
 
   /// A new record with the entries "serverAddress", "serverDescription" and "serverId", each only
-  /// if its property is present.
+  /// if its property is present. A byte that is no UTF-8 stands there as U+FFFD, so that every
+  /// server can be stored; the property itself keeps it.
   Ref<NSMutableDictionary> dataDictionary() const;
   /// The description, or the address where that is absent or empty, or "".
   std::string displayName() const;

@@ -65,10 +65,11 @@ class RVF_EXPORT RVFStaticServerList final : public NSObject {
   /// The same by description, letter case counting.
   Ref<RVFStaticServer> serverWithServerDescription(std::string_view description) const;
 
-  /// Each saves at once. An absent server raises `NSInvalidArgumentException`, an index past the
-  /// end (for insertion: behind the end) `NSRangeException`. So does, with
-  /// `NSInvalidArgumentException`, a server with a text that is not UTF-8, which no defaults file
-  /// holds. The list is then as before.
+  /// Each saves at once. An absent server raises `NSInvalidArgumentException`, as do equal texts of
+  /// many megabytes in all, which defaults refuse; an index past the end (for insertion: behind the
+  /// end) raises `NSRangeException`. The list is then as before. A text that is not UTF-8, set now
+  /// or later, keeps no server from being saved: bytes that are none are stored as U+FFFD, see
+  /// `RVFStaticServer::dataDictionary`, and are that after the next `load`.
   void addServer(const Ref<RVFStaticServer>& server);
   void insertServer(const Ref<RVFStaticServer>& server, std::size_t atIndex);
   void removeServerAtIndex(std::size_t index);

@@ -2,19 +2,25 @@
 #include "RVFoundation/ServerDiscovery/RVFStaticServerList.h"
 
 #include <gtest/gtest.h>
+#include <rapidcheck.h>
 #include <stdlib.h>
 
+#include <optional>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "Platform/Locale/NSLocale.h"
 #include "Platform/Runtime/NSException.h"
 #include "Platform/Runtime/Runtime.h"
+#include "Platform/Text/Text.h"
 #include "Platform/Values/NSNumber.h"
 #include "Platform/Values/NSString.h"
 #include "RVFoundation/CoreServices/RVFLibraryBundle.h"
 #include "RVFoundation/RuntimeServices/RVFTestingUserDefaults.h"
 #include "tests/Platform/Storage/TemporaryFolder.h"
+#include "tests/Platform/Text/TextGenerators.h"
 
 namespace rvf {
 namespace {
@@ -77,21 +83,99 @@ TEST_P(RVFStaticServerListTest, KeepsItsOrderThroughEveryChange) {
   EXPECT_EQ(addresses(*another()), (Addresses{"a", "c", "d", "e"}));
 }
 
+/// In memory, and after a while without room for anything.
+class FillingDefaults final : public NSUserDefaults {
+ public:
+  FillingDefaults() : NSUserDefaults(std::nullopt) {}
+
+  void setObject(const id& object, std::string_view key) override {
+    if (isFull) NSException::raise(NSInvalidArgumentException, "full");
+    NSUserDefaults::setObject(object, key);
+  }
+  bool isFull = false;
+};
+
 TEST(RVFStaticServerList, AChangeThatCannotBeSavedIsTakenBack) {
-  const TemporaryFolder folder;
-  const auto defaults = NSUserDefaults::userDefaultsWithFile(folder.file("defaults.plist"));
+  const auto defaults = std::make_shared<FillingDefaults>();
   const auto list = std::make_shared<RVFStaticServerList>(defaults);
-  list->addServer(RVFStaticServer::staticServerWithAddress("a"));
-  const auto bad = RVFStaticServer::staticServerWithAddress("b");
-  bad->setServerDescription("\xFF");
-  EXPECT_THROW(list->addServer(bad), NSException);
-  EXPECT_THROW(list->insertServer(bad, 0), NSException);
-  EXPECT_EQ(list->serverCount(), 1U);
+  const auto server = RVFStaticServer::staticServerWithAddress("a");
+  list->addServer(server);
+  defaults->isFull = true;
+  EXPECT_THROW(list->addServer(RVFStaticServer::staticServerWithAddress("b")), NSException);
+  EXPECT_THROW(list->insertServer(RVFStaticServer::staticServerWithAddress("b"), 0), NSException);
+  EXPECT_THROW(list->removeServerAtIndex(0), NSException);
+  ASSERT_EQ(list->serverCount(), 1U);
+  EXPECT_EQ(list->serverAtIndex(0), server);
+  defaults->isFull = false;
   list->addServer(RVFStaticServer::staticServerWithAddress("c"));
-  list->removeServerAtIndex(0);
-  const RVFStaticServerList again(defaults);
-  ASSERT_EQ(again.serverCount(), 1U);
-  EXPECT_EQ(again.serverAtIndex(0)->serverAddress(), "c");
+  EXPECT_EQ(RVFStaticServerList(defaults).serverCount(), 2U);
+}
+
+TEST_P(RVFStaticServerListTest, ATextThatIsNoUTF8KeepsNoServerFromBeingSaved) {
+  const auto bad = server("\xC3:80", "caf\xE9");
+  bad->setServerId("\xFF");
+  list_->addServer(server("a"));
+  list_->insertServer(bad, 0);
+  EXPECT_EQ(addresses(*another()), (Addresses{"\uFFFD:80", "a"}));
+  EXPECT_EQ(another()->serverAtIndex(0)->serverDescription(), "caf\uFFFD");
+  EXPECT_EQ(another()->serverAtIndex(0)->serverId(), "\uFFFD");
+  EXPECT_EQ(list_->serverAtIndex(0), bad);
+  EXPECT_EQ(bad->serverAddress(), "\xC3:80") << "until the list is loaded";
+}
+
+TEST_P(RVFStaticServerListTest, ABadTextSetLaterLeavesTheListUsable) {
+  for (const char* address : {"a", "b", "c"})
+    list_->addServer(server(address));
+  list_->serverAtIndex(1)->setServerDescription("\xE2\x82");
+  list_->addServer(server("d"));
+  list_->removeServerAtIndex(0);
+  list_->insertServer(server("e"), 1);
+  EXPECT_EQ(addresses(*list_), (Addresses{"b", "e", "c", "d"}));
+  EXPECT_EQ(addresses(*another()), addresses(*list_));
+  EXPECT_EQ(another()->serverAtIndex(0)->serverDescription(), "\uFFFD\uFFFD");
+}
+
+/// What a server of any texts is after loading: bytes that are no UTF-8 are U+FFFD.
+using Record = std::pair<std::string, std::optional<std::string>>;
+
+Ref<RVFStaticServer> anyServer(std::vector<Record>& records, std::size_t at) {
+  const std::string address = *anyBytes();
+  const auto made = RVFStaticServer::staticServerWithAddress(address);
+  Record record{wellFormedUtf8(address), std::nullopt};
+  if (*rc::gen::arbitrary<bool>()) {
+    const std::string description = *rc::gen::oneOf(anyText(), anyBytes());
+    made->setServerDescription(description);
+    record.second = wellFormedUtf8(description);
+  }
+  records.insert(records.begin() + static_cast<std::ptrdiff_t>(at), record);
+  return made;
+}
+
+TEST_P(RVFStaticServerListTest, AnyChangesAreThereAfterLoading) {
+  EXPECT_TRUE(rc::check([this] {
+    defaults_->removeObjectForKey(kStaticServersKey);
+    defaults_->synchronize();
+    list_->load();
+    std::vector<Record> records;
+    for (const int change :
+         *rc::gen::resize(20, rc::gen::container<std::vector<int>>(rc::gen::inRange(0, 3)))) {
+      const auto at = *rc::gen::inRange<std::size_t>(0, records.size() + 1);
+      if (change == 0) list_->addServer(anyServer(records, records.size()));
+      if (change == 1) list_->insertServer(anyServer(records, at), at);
+      if (change == 2 && at < records.size()) {
+        list_->removeServerAtIndex(at);
+        records.erase(records.begin() + static_cast<std::ptrdiff_t>(at));
+      }
+    }
+    std::vector<Record> loaded;
+    const RVFStaticServerList again(GetParam() == StoreKind::file ? makeDefaults() : defaults_);
+    for (std::size_t i = 0; i < again.serverCount(); ++i) {
+      const auto server = again.serverAtIndex(i);
+      loaded.emplace_back(server->serverAddress().value_or("absent"), server->serverDescription());
+      RC_ASSERT(server->serverId() == list_->serverAtIndex(i)->serverId());
+    }
+    RC_ASSERT(loaded == records);
+  }));
 }
 
 TEST_P(RVFStaticServerListTest, SavesEveryPropertyThatIsThere) {
