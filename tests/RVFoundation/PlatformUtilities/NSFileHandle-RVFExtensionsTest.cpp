@@ -10,7 +10,6 @@
 #include <sched.h>
 #include <stdlib.h>
 #include <sys/mount.h>
-#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <termios.h>
@@ -26,6 +25,7 @@
 #include <vector>
 
 #include "Platform/Runtime/NSException.h"
+#include "tests/Platform/RunLoop/OpenDescriptors.h"
 #include "tests/Platform/Storage/TemporaryFolder.h"
 
 namespace rvf {
@@ -426,14 +426,13 @@ TEST_F(TemporaryFileTest, AFullFolderIsAnError) {
 }
 
 TEST_F(TemporaryFileTest, TooManyOpenFilesAreAnError) {
-  struct rlimit limit = {};
-  ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
-  struct rlimit none = limit;
-  none.rlim_cur = 0;
-  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
-  const long code = codeOfFailure();
-  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
-  EXPECT_EQ(code, EMFILE);
+  Ref<NSError> error;
+  {
+    const DescriptorLimit limit(0);
+    EXPECT_EQ(make(nullptr, &error), nullptr);
+  }
+  ASSERT_NE(error, nullptr);
+  EXPECT_EQ(error->code(), EMFILE);
 }
 
 }  // namespace
