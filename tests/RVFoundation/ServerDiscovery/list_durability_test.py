@@ -43,8 +43,10 @@ class Probe:
         return self.process.stdout.readline().split()
 
     def end(self):
-        output, errors = self.process.communicate(timeout=60)
-        return output.split(), errors
+        # communicate() would pass over the lines that readline() has taken ahead.
+        with self.process as process:
+            process.stdin.close()
+            return process.stdout.read().split(), process.stderr.read()
 
 
 class DurabilityTest(unittest.TestCase):
