@@ -67,17 +67,22 @@ class ServersTest(unittest.TestCase):
             self.done(*arguments)
         self.assertEqual([server["serverAddress"] for server in self.stored()], ["a", "b", "c"])
         self.assertEqual(self.done("remove", "1"), "1\tb\tUntitled Server\n")
-        self.done("remove", "1")
+        self.assertEqual([server["serverAddress"] for server in self.stored()], ["a", "c"])
+
+    def test_the_last_removal_leaves_an_empty_array_in_the_file(self):
+        self.done("add", "a")
         self.done("remove", "0")
-        self.assertEqual(self.stored(), [])
+        self.assertEqual(plistlib.loads(self.file.read_bytes()), {"static servers": []})
+        self.assertEqual(self.done("list"), "")
 
     def test_prints_json(self):
         added = self.read("add", "a", "--description", "é")
         self.assertEqual(added, {"index": 0, "address": "a", "description": "é",
                                  "displayName": "é", "id": self.stored()[0]["serverId"]})
         self.assertEqual(self.read("list"), [added])
-        inserted = self.read("insert", "0", "b")
-        self.assertEqual((inserted["index"], inserted["address"]), (0, "b"))
+        inserted = self.read("insert", "0", "b", "--description", "Bar")
+        self.assertEqual(inserted, {"index": 0, "address": "b", "description": "Bar",
+                                    "displayName": "Bar", "id": self.stored()[0]["serverId"]})
         added["index"] = 1
         self.assertEqual(self.read("remove", "1"), added)
 
@@ -162,6 +167,27 @@ class ServersTest(unittest.TestCase):
         aside = self.file.with_name("defaults.plist.damaged-1")
         self.assertIn(str(aside), result.stderr)
         self.assertEqual(aside.read_bytes(), b"bplist00 and no more")
+
+    def test_a_file_in_which_nothing_has_room_any_more_is_73_and_stays(self):
+        # Lists of lists that are shared, which come to 64 MB for whoever walks them all.
+        trees = [[]]
+        for _ in range(20):
+            trees.append([trees[-1], trees[-1]])
+        room = 64 * 2**20 - 24 - 25 - 24
+        content = []
+        for depth in reversed(range(21)):
+            if (cost := 24 * (2**(depth + 1) - 1)) <= room:
+                content.append(trees[depth])
+                room -= cost
+        self.file.parent.mkdir()
+        before = plistlib.dumps({"x": content}, fmt=plistlib.FMT_BINARY)
+        self.file.write_bytes(before)
+        self.assertEqual(self.done("list"), "")
+        result = self.run_tool("add", "a" * 1000)
+        self.assertEqual((result.returncode, result.stdout), (73, ""))
+        self.assertEqual(result.stderr,
+                         f"rvf: {self.file}: the values of all keys together: unfolds too far\n")
+        self.assertEqual(self.file.read_bytes(), before)
 
     def test_eight_at_once_lose_nothing(self):
         processes = []

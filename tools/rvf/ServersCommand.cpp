@@ -9,6 +9,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "Platform/Text/Text.h"
 #include "RVFoundation/ServerDiscovery/RVFStaticServerList.h"
@@ -46,11 +47,13 @@ Ref<NSUserDefaults> defaultsOf(const ServersOptions& options) {
 }
 
 std::string messageOf(const NSError& error) {
-  const auto path =
-      error.userInfo() ? error.userInfo()->textForKey(NSFilePathErrorKey) : std::nullopt;
+  const auto information = [&](std::string_view key) {
+    return error.userInfo() ? error.userInfo()->textForKey(key) : std::nullopt;
+  };
   const auto cause = error.underlyingError();
-  return path.value_or("") + ": " +
-         (cause ? cause->localizedDescription() : error.localizedDescription());
+  const std::string text = cause ? cause->localizedDescription() : error.localizedDescription();
+  const auto path = information(NSFilePathErrorKey);
+  return (path ? *path + ": " : "") + information("NSDebugDescription").value_or(text);
 }
 
 /// Complains about defaults that could not be read or written, as the caller says.
