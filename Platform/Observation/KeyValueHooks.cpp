@@ -4,7 +4,6 @@
 #include <string>
 
 #include "Platform/Observation/KeyValueMessages.h"
-#include "Platform/Observation/ObjectText.h"
 #include "Platform/Observation/ObservedObject.h"
 #include "Platform/Text/NSLog.h"
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Platform/Observation/ValueBoxing.h"
 
-#include <cstdint>
 #include <utility>
 
 #include "Platform/Runtime/AnyArgument.h"

@@ -9,7 +9,6 @@
 #include <string>
 #include <unordered_map>
 #include <utility>
-#include <vector>
 
 #include "Platform/RunLoop/ItemModes.h"
 

@@ -8,7 +8,6 @@
 #include <utility>
 
 #include "Platform/Runtime/NSAutoreleasePool.h"
-#include "Platform/Runtime/NSException.h"
 
 namespace rvf {
 namespace {

@@ -8,7 +8,6 @@
 #include <unistd.h>
 
 #include <cstdint>
-#include <optional>
 
 #include "Platform/Runtime/ScopeExit.h"
 #include "Platform/System/LogFacility.h"

@@ -15,7 +15,6 @@
 #include <system_error>
 #include <tuple>
 #include <utility>
-#include <vector>
 
 #include "Platform/Time/ICUTimeZone.h"
 

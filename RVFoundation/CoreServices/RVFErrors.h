@@ -3,8 +3,6 @@
 
 #include <string_view>
 
-#include "Platform/Export.h"
-
 namespace rvf {
 
 /// The domain of this library's own errors, codes of `RVFErrorCode`.

@@ -8,7 +8,6 @@
 #include <chrono>
 #include <csignal>
 #include <string>
-#include <vector>
 
 #include "Platform/Network/HostName.h"
 #include "tests/network/TwoHosts.h"

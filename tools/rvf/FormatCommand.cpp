@@ -7,7 +7,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "Platform/Values/NSString.h"
 #include "RVFoundation/Formatters/NSDecimalNumber-RVFExtensions.h"

@@ -6,7 +6,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "RVFoundation/PlatformUtilities/NSCalendar-RVFExtensions.h"
 #include "RVFoundation/PlatformUtilities/NSDateFormatter-RVFExtensions.h"

@@ -7,6 +7,7 @@
 #include <memory>
 #include <utility>
 
+#include "Platform/RunLoop/NSRunLoop.h"
 #include "RVFoundation/ServerDiscovery/NSNetService-RVFExtensions.h"
 #include "RVFoundation/ServerDiscovery/RVFQMServerServiceBrowser.h"
 #include "tools/rvf/DiscoveryCheck.h"

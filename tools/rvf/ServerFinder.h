@@ -4,7 +4,6 @@
 #include <optional>
 #include <string>
 
-#include "Platform/RunLoop/NSRunLoop.h"
 #include "RVFoundation/ServerDiscovery/RVFQMServerService.h"
 #include "RVFoundation/ServerDiscovery/RVFStaticServer.h"
 #include "tools/rvf/Failure.h"

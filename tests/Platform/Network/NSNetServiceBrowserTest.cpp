@@ -8,6 +8,7 @@
 #include <stdexcept>
 
 #include "Platform/Network/NSNetServicesError.h"
+#include "Platform/Network/ServiceDiscovery.h"
 #include "Platform/RunLoop/NSRunLoop.h"
 #include "Platform/Values/NSNumber.h"
 #include "tests/Platform/Network/ScriptedBackend.h"

@@ -10,6 +10,7 @@
 #include <stdexcept>
 
 #include "Platform/Network/NSNetServicesError.h"
+#include "Platform/Network/ServiceDiscovery.h"
 #include "Platform/Network/SocketAddress.h"
 #include "Platform/RunLoop/ManualRunLoopClock.h"
 #include "Platform/RunLoop/NSRunLoop.h"

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/Platform/Network/ScriptedBackend.h"
 
+#include "Platform/Network/ServiceDiscovery.h"
 #include "Platform/RunLoop/NSRunLoop.h"
 
 namespace rvf {

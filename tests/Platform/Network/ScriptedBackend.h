@@ -8,7 +8,6 @@
 #include <utility>
 #include <vector>
 
-#include "Platform/Network/ServiceDiscovery.h"
 #include "Platform/Network/ServiceDiscoveryBackend.h"
 
 namespace rvf {

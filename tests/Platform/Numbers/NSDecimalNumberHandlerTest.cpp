@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include "Platform/Numbers/NSDecimalNumber.h"
 #include "Platform/Runtime/NSException.h"
 
 namespace rvf {

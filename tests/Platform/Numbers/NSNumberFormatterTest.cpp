@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <limits>
+#include <tuple>
 
 #include "Platform/Locale/NSBundle.h"
 #include "Platform/Numbers/NSDecimalNumber.h"

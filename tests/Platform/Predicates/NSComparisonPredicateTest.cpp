@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
-
 #include "Platform/Numbers/NSDecimalNumber.h"
 #include "Platform/Observation/KeyValueCoding.h"
 #include "Platform/Runtime/ClassBuilder.h"

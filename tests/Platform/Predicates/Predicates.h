@@ -6,9 +6,9 @@
 
 #include "Platform/Predicates/NSPredicate.h"
 #include "Platform/Runtime/NSException.h"
-#include "Platform/Values/NSArray.h"
+#include "Platform/Values/NSArray.h"  // IWYU pragma: export
 #include "Platform/Values/NSDictionary.h"
-#include "Platform/Values/NSNumber.h"
+#include "Platform/Values/NSNumber.h"  // IWYU pragma: export
 #include "Platform/Values/NSString.h"
 
 namespace rvf {

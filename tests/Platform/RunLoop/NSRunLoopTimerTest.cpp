@@ -3,6 +3,7 @@
 #include <rapidcheck.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <limits>
 #include <memory>
 #include <stdexcept>

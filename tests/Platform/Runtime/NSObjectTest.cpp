@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include "Platform/Runtime/Messaging.h"
-#include "Platform/Runtime/NSException.h"
 #include "Platform/Runtime/NSMethodSignature.h"
 #include "Platform/Runtime/Pointers.h"
 #include "Platform/Values/NSNumber.h"

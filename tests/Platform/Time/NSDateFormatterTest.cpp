@@ -5,6 +5,7 @@
 
 #include <limits>
 #include <string>
+#include <tuple>
 
 #include "Platform/Runtime/NSException.h"
 #include "Platform/Values/NSNumber.h"

@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 
 #include "Platform/Runtime/NSException.h"
 #include "Platform/Text/Text.h"

@@ -7,7 +7,6 @@
 #include <rapidcheck.h>
 #include <sys/socket.h>
 
-#include <atomic>
 #include <condition_variable>
 #include <map>
 #include <mutex>

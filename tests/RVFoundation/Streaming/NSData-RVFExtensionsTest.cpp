@@ -8,7 +8,6 @@
 #include <new>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "tests/RVFoundation/Streaming/CompressedBytes.h"
 #include "tests/RVFoundation/Streaming/HeapUse.h"
