@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,6 +17,7 @@
 #include "Platform/Observation/KeyValueObserving.h"
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/NSException.h"
+#include "Platform/Storage/NSUserDefaults.h"
 #include "Platform/Values/NSDictionary.h"
 #include "RVFoundation/BackgroundExecution/RVFBlockQueue.h"
 #include "RVFoundation/CardReading/RVFCreditCardParser.h"
@@ -26,7 +28,6 @@
 #include "RVFoundation/ServerDiscovery/RVFQMServerService.h"
 #include "RVFoundation/ServerDiscovery/RVFStaticServerList.h"
 #include "RVFoundation/Streaming/RVFStreamedSAXParser.h"
-#include "tests/Platform/Storage/TemporaryFolder.h"
 
 namespace rvf {
 namespace {
@@ -130,14 +131,20 @@ TEST(ChangesByThemselves, AChangeOfAStaticServerListThatRaisesLeavesNoAnnounceme
   EXPECT_EQ(list->serverCount(), 1U);
 }
 
+/// In memory, and without room for anything.
+class FullDefaults final : public NSUserDefaults {
+ public:
+  FullDefaults() : NSUserDefaults(std::nullopt) {}
+
+  void setObject(const id&, std::string_view) override {
+    NSException::raise(NSInvalidArgumentException, "full");
+  }
+};
+
 TEST(ChangesByThemselves, AStaticServerListThatCannotBeSavedTellsThatItIsAsBefore) {
-  const TemporaryFolder folder;
-  const auto list = std::make_shared<RVFStaticServerList>(
-      NSUserDefaults::userDefaultsWithFile(folder.file("defaults.plist")));
-  const auto bad = RVFStaticServer::staticServerWithAddress("b");
-  bad->setServerDescription("\xFF");
+  const auto list = std::make_shared<RVFStaticServerList>(std::make_shared<FullDefaults>());
   const Watch watch(list, "serverCount");
-  EXPECT_THROW(list->addServer(bad), NSException);
+  EXPECT_THROW(list->addServer(RVFStaticServer::staticServerWithAddress("a")), NSException);
   EXPECT_THAT(watch.values(), ElementsAre("0>1", "1>0"));
 }
 
