@@ -95,7 +95,7 @@ std::string subcommandRows(const CommandRow& command) {
 }
 
 /// Options of a command may also stand behind its subcommands.
-std::string optionRows(const CommandRow& command, std::vector<std::string> inherited) {
+std::string optionRows(const CommandRow& command, const std::vector<std::string>& inherited) {
   std::vector<std::string> names;
   for (const OptionRow& option : command.options)
     names.insert(names.end(), option.names.begin(), option.names.end());
