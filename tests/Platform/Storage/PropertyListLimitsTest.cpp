@@ -87,7 +87,7 @@ TEST(PropertyListLimits, EqualLeavesMayBeAsManyAsTheyLike) {
 }
 
 TEST(PropertyListLimits, EqualTextsAreReadBackWhereTheyAreWritten) {
-  for (const std::size_t size : {9U, 12U, 40U, 41U, 100U}) {
+  for (const std::size_t size : {9U, 40U, 41U}) {
     const id list =
         NSArray::arrayWithObjects(std::vector<id>(3'000'000, box(std::string(size, 'x'))));
     const std::string bytes = written(list, NSPropertyListFormat::binary);
