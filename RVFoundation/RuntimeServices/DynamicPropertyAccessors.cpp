@@ -50,7 +50,7 @@ struct ServedProperty {
                                                     std::string_view function, int line) {
   const std::uint64_t changes = classChangeCount();
   const auto found = findPropertyForSelector(aClass, accessor);
-  if (!found) {
+  if (!found) {  // uncovered: ends the process
     failAssertion(function, "RVFoundation/RVFDynamicPropertySynthesizer", line,
                   "RVFPropertyInfoForSelector(object_getClass(self), _cmd, &info)");
   }

@@ -11,6 +11,7 @@ namespace {
 constexpr std::size_t kCapacity = RVFPropertyInfo::Text::kCapacity;
 constexpr std::string_view kSetterStart = "set";
 
+// uncovered: ends the process
 [[noreturn]] void failParsing(std::string_view condition) {
   failAssertion("RVFParsePropertyAttributes", "RVFoundation/RVFPropertyHelpers", 49, condition);
 }

@@ -34,6 +34,7 @@ void reportUnsupportedType(std::string_view selector, int line, std::string_view
 void addAccessor(Class aClass, std::string_view selector, IMP accessor, int line,
                  std::string_view condition) {
   if (class_addMethod(aClass, sel_registerName(selector), accessor)) return;
+  // uncovered: ends the process
   failAssertion("+[RVFDynamicPropertySynthesizer synthesizeProperty:forClass:]", kSource, line,
                 condition);
 }

@@ -49,7 +49,7 @@ RVFPropertyInfo RVFParsePropertyAttributes(const Property& property) {
 }
 
 bool RVFPropertyInfoForSelector(Class aClass, SEL selector, RVFPropertyInfo* outInfo) {
-  if (!outInfo) {
+  if (!outInfo) {  // uncovered: ends the process
     failAssertion("RVFPropertyInfoForSelector", "RVFoundation/RVFPropertyHelpers", 73, "outInfo");
   }
   const auto found = findPropertyForSelector(aClass, selector);

@@ -194,6 +194,7 @@ void RVFStaticServer::resolveUsingCompletion(Completion completion) {
           self->resolveAddressForHost(host, port);
         });
   } catch (const NSException&) {  // the system has no thread left: whoever waits must be told
+    // uncovered: a test would have to use up the threads of the system
     deliverLater({EAI_AGAIN, {}});
   }
 }

@@ -131,6 +131,7 @@ Ref<RVFStreamedDecompressor> RVFStreamedDecompressor::init() {
   Ref<RVFStreamedDecompressor> decompressor(new RVFStreamedDecompressor);
   z_stream& record = decompressor->strm_->record;
   if (inflateInit2_(&record, kDetectedWrapper, kZlibInterface, sizeof record) != Z_OK) {
+    // uncovered: only without memory
     return nullptr;
   }
   return decompressor;

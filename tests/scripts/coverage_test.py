@@ -28,13 +28,14 @@ MAIN = "int rounded(bool isHuge);\nint main() { return rounded(false) == 1 ? 0 :
 
 
 class Coverage(unittest.TestCase):
-    def coverage_of(self, library=LIBRARY):
+    def coverage_of(self, library=LIBRARY, headers=None):
         """What the script prints of a program that runs `rounded(false)`, and its status."""
         with tempfile.TemporaryDirectory() as folder:
             root = Path(folder).resolve()
             build = root / "build"
             for path, text in {"Platform/Numbers/Whole.cpp": PLATFORM,
-                               "RVFoundation/Text/Rounded.cpp": library, "main.cpp": MAIN}.items():
+                               "RVFoundation/Text/Rounded.cpp": library, "main.cpp": MAIN,
+                               **(headers or {})}.items():
                 Path(root, path).parent.mkdir(parents=True, exist_ok=True)
                 Path(root, path).write_text(text, encoding="utf-8")
             flags = ["-fcoverage-mapping", f"-fprofile-instr-generate={build}/profiles/%m.profraw"]
@@ -42,7 +43,7 @@ class Coverage(unittest.TestCase):
                                    ("RVFoundation/Text/Rounded.cpp",
                                     "RVFoundation/libRVFoundation.so")):
                 Path(build, binary).parent.mkdir(parents=True)
-                self.compile("-shared", "-fPIC", *flags, root / source, "-o", build / binary)
+                self.compile("-shared", "-fPIC", f"-I{root}", *flags, root / source, "-o", build / binary)
             self.compile(root / "main.cpp", build / "Platform/libRVFPlatform.so",
                          build / "RVFoundation/libRVFoundation.so", "-o", build / "main")
             subprocess.run([build / "main"], check=True)
@@ -82,6 +83,15 @@ class Coverage(unittest.TestCase):
         _, status = self.coverage_of(
             LIBRARY.replace("whole(true);", "whole(true);  // uncovered: "))
         self.assertEqual(status, 1)
+
+    def test_leaves_inline_functions_of_headers_alone(self):
+        header = "inline int halved(int value) {\n  return value / 2;\n}\n"
+        library = LIBRARY.replace("    return whole(true);",
+                                  "    return whole(true);  // uncovered: no huge amount is made")
+        printed, status = self.coverage_of('#include "RVFoundation/Text/Halved.h"\n' + library,
+                                           {"RVFoundation/Text/Halved.h": header})
+        self.assertRegex(printed, r"RVFoundation/Text +4 of +8 lines,  50\.0 %")
+        self.assertEqual(status, 0)
 
     def test_needs_profiles(self):
         with tempfile.TemporaryDirectory() as build:

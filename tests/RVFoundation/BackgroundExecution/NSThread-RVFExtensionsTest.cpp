@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 
+#include <functional>
 #include <future>
 #include <memory>
 #include <stdexcept>
@@ -32,6 +33,13 @@ class NSThreadExtensionsTest : public testing::Test {
   std::vector<std::string> ran;
   ServingThread serving;
 };
+
+TEST_F(NSThreadExtensionsTest, ABlockThatItsOwnerKeepsRunsEachTime) {
+  const std::function<void()> kept = note("kept");
+  RVF_performBlock(NSThread::currentThread(), kept);
+  RVF_performBlock(NSThread::currentThread(), kept);
+  EXPECT_THAT(ran, ElementsAre("kept", "kept"));
+}
 
 TEST_F(NSThreadExtensionsTest, OnTheCurrentThreadABlockRunsAtOnceWhateverTheArguments) {
   const auto current = NSThread::currentThread();

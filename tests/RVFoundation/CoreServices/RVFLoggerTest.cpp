@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
@@ -306,6 +307,13 @@ TEST_F(RVFLoggerTest, IsKnownToTheRuntime) {
       send<bool>(logger, SEL("logOfLevel:andFormat:"), std::int32_t{7}, std::string("5%%")));
   EXPECT_EQ(shown(), "5%");
   EXPECT_EQ(send<aslclient>(logger, SEL("client")), logger->client());
+}
+
+TEST_F(RVFLoggerTest, StartsBySelectorAndAnnouncesItsClient) {
+  const auto announced = AnnouncedKeys::of(logger, {"client"});
+  send<void>(logger, SEL("startLoggingUsingName:facility:options:"), std::string_view("till"),
+             std::string_view("local0"), std::uint32_t{0});
+  EXPECT_THAT(announced->told, testing::ElementsAre("client"));
 }
 
 }  // namespace

@@ -13,6 +13,7 @@
 #include "Platform/RunLoop/ManualRunLoopClock.h"
 #include "Platform/RunLoop/NSRunLoop.h"
 #include "Platform/Runtime/NSAutoreleasePool.h"
+#include "Platform/Runtime/Runtime.h"
 #include "Platform/Values/NSNumber.h"
 #include "Platform/Values/NSString.h"
 #include "tests/RVFoundation/ServerDiscovery/ScriptedDiscovery.h"
@@ -65,6 +66,14 @@ TEST_F(ResolveTest, CompletesOnceWithAddressesAndWithoutAnError) {
   EXPECT_EQ(service_->addresses().size(), 1U);
   EXPECT_FALSE(discovery_->resolutions[0]->isActive);
   EXPECT_EQ(service_->delegate(), nullptr);
+}
+
+TEST_F(ResolveTest, TheDelegateIsAnObjectOfTheResolversClass) {
+  resolve();
+  const auto delegate = service_->delegate();
+  const auto* resolver = dynamic_cast<const NSObject*>(delegate.get());
+  ASSERT_NE(resolver, nullptr);
+  EXPECT_EQ(class_getName(resolver->isa()), "RVFNetServiceResolver");
 }
 
 TEST_F(ResolveTest, AnEmptyAddressListKeepsWaiting) {
