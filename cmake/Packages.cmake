@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
-# cpack -G DEB: librvfoundation0 (libraries), librvfoundation-dev (headers), rvf (the tool).
+# cpack -G DEB: librvfoundation0.1 (libraries), librvfoundation-dev (headers), rvf (the tool).
 # Configure with CMAKE_INSTALL_PREFIX=/usr, as the preset "package" does, for Debian's folders.
 
 find_program(GZIP_EXECUTABLE gzip REQUIRED)
@@ -32,7 +32,7 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${PROJECT_BINARY_DIR}/Platform"
                                                 "${PROJECT_BINARY_DIR}/RVFoundation")
 
 set(CPACK_COMPONENTS_ALL Runtime Development)
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME "librvfoundation${PROJECT_VERSION_MAJOR}")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME "librvfoundation${RVF_ABI_VERSION}")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA "${CMAKE_CURRENT_LIST_DIR}/debian/triggers"
                                                "${PROJECT_BINARY_DIR}/debian/shlibs")
