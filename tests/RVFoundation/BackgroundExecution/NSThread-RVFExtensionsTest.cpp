@@ -21,7 +21,7 @@ using testing::ElementsAre;
 
 class NSThreadExtensionsTest : public testing::Test {
  protected:
-  std::function<void()> note(std::string text) {
+  std::function<void()> note(const std::string& text) {
     return [this, text] { ran.push_back(text); };
   }
   /// Returns once everything that was queued on the thread in common modes has run.

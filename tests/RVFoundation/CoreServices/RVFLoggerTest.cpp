@@ -23,7 +23,6 @@ namespace rvf {
 namespace {
 
 using testing::Optional;
-using testing::StartsWith;
 
 /// Counts how often it is asked for its text.
 class Described final : public NSObject {
