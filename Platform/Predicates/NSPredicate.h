@@ -75,7 +75,8 @@ class RVF_EXPORT NSPredicate : public NSObject {
 
   /// Whether the condition holds for the object, which may be absent. Values of variables are
   /// looked up in `substitutionVariables`; one without a value raises `NSInvalidArgumentException`,
-  /// but only where the evaluation comes to it: not in `FALSEPREDICATE AND a == $A`. A block may
+  /// but only where the evaluation comes to it: not in `FALSEPREDICATE AND a == $A`. Key-value
+  /// coding raises `NSUndefinedKeyException` for a key that an object does not have. A block may
   /// give up the last reference to the predicate, which then stays until the evaluation ends.
   bool evaluateWithObject(const id& object,
                           const Ref<NSDictionary>& substitutionVariables = nullptr) const;
