@@ -15,8 +15,6 @@
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/Messaging.h"
 #include "Platform/Runtime/NSException.h"
-#include "Platform/Runtime/NSInvocation.h"
-#include "Platform/Runtime/NSMethodSignature.h"
 #include "Platform/Runtime/Pointers.h"
 #include "Platform/Values/NSMutableArray.h"
 #include "Platform/Values/NSMutableDictionary.h"
@@ -24,6 +22,7 @@
 #include "Platform/Values/NSNumber.h"
 #include "Platform/Values/NSSet.h"
 #include "Platform/Values/NSString.h"
+#include "tests/Platform/Observation/ForwardingObject.h"
 
 namespace rvf {
 
@@ -588,31 +587,9 @@ TEST(KeyValueCoding, AClassMayAnswerUnknownKeys) {
   EXPECT_EQ(object->seen, "nil count");
 }
 
-/// A root of its own: everything goes to the target, as with a proxy.
-class Forwarder final : public NSObject {
- public:
-  explicit Forwarder(id target) : target_(std::move(target)) {}
-
-  static Class classObject() {
-    static const Class kClass = ClassBuilder<Forwarder>("CodedForwarder", nullptr).registered();
-    return kClass;
-  }
-  Class isa() const override { return classObject(); }
-
-  Ref<NSMethodSignature> methodSignatureForSelector(SEL selector) const override {
-    return target_->methodSignatureForSelector(selector);
-  }
-  void forwardInvocation(NSInvocation& invocation) override {
-    invocation.invokeWithTarget(target_);
-  }
-
- private:
-  id target_;
-};
-
 TEST(KeyValueCoding, AProxyPassesItsMessagesOn) {
   const auto node = chainOf({"a", "b"});
-  Forwarder proxy(node);
+  ForwardingObject proxy(node);
   EXPECT_EQ(textAt(proxy, "name"), "a");
   EXPECT_EQ(unboxText(valueForKey(proxy, "name")), "a");
   setValueForKey(proxy, box("A"), "name");

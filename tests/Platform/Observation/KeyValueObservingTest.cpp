@@ -14,13 +14,12 @@
 #include "Platform/Runtime/ClassBuilder.h"
 #include "Platform/Runtime/Messaging.h"
 #include "Platform/Runtime/NSException.h"
-#include "Platform/Runtime/NSInvocation.h"
-#include "Platform/Runtime/NSMethodSignature.h"
 #include "Platform/Runtime/Pointers.h"
 #include "Platform/Values/NSMutableDictionary.h"
 #include "Platform/Values/NSNull.h"
 #include "Platform/Values/NSNumber.h"
 #include "Platform/Values/NSString.h"
+#include "tests/Platform/Observation/ForwardingObject.h"
 #include "tests/Platform/Observation/ObservedPerson.h"
 
 namespace rvf {
@@ -484,30 +483,8 @@ TEST_F(KeyValueObserving, AnObjectIsUnmarkedWhenItsLastObserverLeft) {
   EXPECT_FALSE(KeyValueHooks::isObserved(*person));
 }
 
-/// A root of its own: everything goes to the target, as with a proxy.
-class Forwarder final : public NSObject {
- public:
-  explicit Forwarder(id target) : target_(std::move(target)) {}
-
-  static Class classObject() {
-    static const Class kClass = ClassBuilder<Forwarder>("ObservedForwarder", nullptr).registered();
-    return kClass;
-  }
-  Class isa() const override { return classObject(); }
-
-  Ref<NSMethodSignature> methodSignatureForSelector(SEL selector) const override {
-    return target_->methodSignatureForSelector(selector);
-  }
-  void forwardInvocation(NSInvocation& invocation) override {
-    invocation.invokeWithTarget(target_);
-  }
-
- private:
-  id target_;
-};
-
 TEST_F(KeyValueObserving, AProxyPassesItsMessagesOn) {
-  Forwarder proxy(person);
+  ForwardingObject proxy(person);
   int context = 0;
   addObserverForKeyPath(proxy, observer, "name", kOld | kNew, &context);
   willChangeValueForKey(proxy, "name");

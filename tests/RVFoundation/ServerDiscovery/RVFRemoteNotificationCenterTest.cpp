@@ -15,9 +15,9 @@
 #include "Platform/RunLoop/NSRunLoop.h"
 #include "Platform/Runtime/Messaging.h"
 #include "Platform/Runtime/NSException.h"
-#include "Platform/Runtime/NSInvocation.h"
 #include "Platform/Values/NSString.h"
 #include "Platform/Values/NSValue.h"
+#include "tests/Platform/Observation/ForwardingObject.h"
 #include "tests/RVFoundation/ServerDiscovery/NotificationObserver.h"
 #include "tests/RVFoundation/ServerDiscovery/ScriptedDiscovery.h"
 
@@ -263,23 +263,8 @@ TEST_F(ObservingTest, IsReachableByItsSelectors) {
   EXPECT_FALSE(isSearching(0));
 }
 
-/// Has no method of its own for the action.
-class Forwarder final : public NSObject {
- public:
-  explicit Forwarder(id target) : target_(std::move(target)) {}
-  Ref<NSMethodSignature> methodSignatureForSelector(SEL selector) const override {
-    return target_->methodSignatureForSelector(selector);
-  }
-  void forwardInvocation(NSInvocation& invocation) override {
-    invocation.invokeWithTarget(target_);
-  }
-
- private:
-  id target_;
-};
-
 TEST_F(ObservingTest, AnObserverMayForwardItsAction) {
-  const auto forwarder = std::make_shared<Forwarder>(observer_);
+  const auto forwarder = std::make_shared<ForwardingObject>(observer_);
   center_->addObserver(forwarder, kAction, kMenu);
   findNow(0, "Till");
   EXPECT_EQ(observer_->deliveries, 1);
