@@ -1,15 +1,31 @@
 // SPDX-License-Identifier: Apache-2.0
 //
+// usage: QuietProcess [unwatched | noisy | lossy]
+//
 // A process that is linked against the library, and what it has after each step that did not ask
-// for threads, descriptors or files. Prints every difference; status 1 if there is any.
+// for threads, descriptors or files. Prints every difference; status 1 if there is any. Files are
+// looked for below the current folder, which is empty at the start.
+//
+//   unwatched   takes the same steps without looking, for a host that has descriptors of its own
+//   noisy       asks for a thread, a run loop, a descriptor and files, each of which must be seen
+//   lossy       loses a block of memory, for the tool that looks for such blocks
 
+#include <fcntl.h>
+#include <pthread.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <array>
+#include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <iostream>
+#include <latch>
+#include <map>
 #include <set>
 #include <string>
 #include <string_view>
+#include <thread>
 
 #include "Platform/Numbers/NSDecimalNumber.h"
 #include "Platform/RunLoop/NSRunLoop.h"
@@ -25,32 +41,39 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::set<std::string> entries(const char* folder) {
-  std::set<std::string> names;
-  for (const auto& entry : fs::directory_iterator(folder))
-    names.insert(entry.path().filename().string());
+/// The threads, each with its name.
+std::map<std::string, std::string> threads() {
+  std::map<std::string, std::string> names;
+  for (const auto& entry : fs::directory_iterator("/proc/self/task"))
+    std::getline(std::ifstream(entry.path() / "comm"), names[entry.path().filename().string()]);
   return names;
 }
 
-/// The open descriptors, but for the one that reads the folder.
-std::set<std::string> descriptors() {
-  std::set<std::string> open;
-  for (const std::string& name : entries("/proc/self/fd")) {
-    struct stat status {};
-    if (::fstat(std::stoi(name), &status) == 0) open.insert(name);
+/// The open descriptors, each with what it is open on; but for the one that reads the folder.
+std::map<std::string, std::string> descriptors() {
+  std::map<std::string, std::string> open;
+  for (const auto& entry : fs::directory_iterator("/proc/self/fd")) {
+    std::error_code error;
+    open[entry.path().filename().string()] = fs::read_symlink(entry.path(), error).string();
   }
+  std::erase_if(open, [](const auto& descriptor) {
+    struct stat status {};
+    return ::fstat(std::stoi(descriptor.first), &status) != 0;
+  });
   return open;
 }
 
 class Watch {
  public:
   void check(std::string_view step) {
-    const auto threads = entries("/proc/self/task").size();
-    if (threads != 1) complain(step, std::to_string(threads) + " threads");
-    const auto open = descriptors();
-    for (const std::string& descriptor : open)
-      if (!descriptorsAtStart_.contains(descriptor)) complain(step, "descriptor " + descriptor);
-    if (!entries(".").empty()) complain(step, "a file in the current folder");
+    const auto running = threads();
+    for (const auto& [thread, name] : running)
+      if (running.size() != 1) complain(step, "thread " + thread + " (" + name + ")");
+    for (const auto& [descriptor, target] : descriptors())
+      if (!kGivenDescriptors.contains(descriptor))
+        complain(step, "descriptor " + descriptor + " (" + target + ")");
+    for (const auto& entry : fs::recursive_directory_iterator("."))
+      complain(step, "file " + entry.path().lexically_normal().string());
   }
   int status() const { return isQuiet_ ? 0 : 1; }
 
@@ -60,11 +83,16 @@ class Watch {
     isQuiet_ = false;
   }
 
-  std::set<std::string> descriptorsAtStart_ = {"0", "1", "2"};
+  inline static const std::set<std::string> kGivenDescriptors = {"0", "1", "2"};
   bool isQuiet_ = true;
 };
 
-void useWhatNeedsNothing(Watch& watch) {
+/// Looks at nothing.
+struct NoWatch {
+  void check(std::string_view) {}
+};
+
+void useWhatNeedsNothing(auto& watch) {
   using namespace rvf;
   const NSAutoreleasePool pool;
   objc_getClass("RVFQMServerService");
@@ -79,11 +107,50 @@ void useWhatNeedsNothing(Watch& watch) {
   watch.check("a browser that was not started");
 }
 
+/// Asks for one of each kind, so that the watch has something to say.
+void makeNoise(Watch& watch) {
+  std::latch named(1);
+  std::latch seen(1);
+  const std::jthread thread([&] {
+    ::pthread_setname_np(::pthread_self(), "noise");
+    named.count_down();
+    seen.wait();
+  });
+  named.wait();
+  rvf::NSRunLoop::mainRunLoop();
+  const int descriptor = ::open("/dev/zero", O_RDONLY | O_CLOEXEC);
+  for (const char* variable :
+       {"HOME", "TMPDIR", "XDG_CACHE_HOME", "XDG_CONFIG_HOME", "XDG_RUNTIME_DIR"}) {
+    const fs::path folder = fs::path(std::getenv(variable)) / "noise";
+    fs::create_directories(folder);
+    std::ofstream(folder / variable) << "noise";
+  }
+  watch.check("noise");
+  seen.count_down();
+  ::close(descriptor);
+}
+
+void loseMemory() {
+  auto* volatile block = new std::array<char, 1000>;
+  if (block) block = nullptr;
+}
+
 }  // namespace
 
-int main() {
+int main(int argumentCount, char** arguments) {
+  const std::string mode = argumentCount > 1 ? arguments[1] : "";
+  if (mode == "lossy") {
+    loseMemory();
+    return 0;
+  }
+  if (mode == "unwatched") {
+    NoWatch nobody;
+    useWhatNeedsNothing(nobody);
+    return 0;
+  }
   Watch watch;
   watch.check("before anything is used");
   useWhatNeedsNothing(watch);
+  if (mode == "noisy") makeNoise(watch);
   return watch.status();
 }
