@@ -5,9 +5,6 @@
 # usage: host_loop_test.sh PROGRAM
 set -eu
 
-# What Qt and its font library keep until the end is theirs.
-export ASAN_OPTIONS="${ASAN_OPTIONS:+$ASAN_OPTIONS:}detect_leaks=0"
-
 events=$(QT_QPA_PLATFORM=offscreen timeout 40 unshare --net --mount sh -c '
   ip link set lo up
   mount -t tmpfs none /run  # without a discovery daemon
