@@ -84,11 +84,40 @@ class CheckLayers(unittest.TestCase):
 
     def test_catches_third_party_includes_in_installed_headers(self):
         for name in ("uv.h", "fmt/format.h", "boost/locale.hpp", "unicode/unistr.h", "zlib.h",
-                     "avahi-core/core.h", "systemd/sd-bus.h", "uuid/uuid.h", "libxml/parser.h"):
+                     "avahi-core/core.h", "systemd/sd-bus.h", "uuid/uuid.h", "libxml/parser.h", "QObject"):
             with self.subTest(name):
                 self.assert_caught(
                     {"Platform/Values/NSData.h": LICENCE + f"#include <{name}>\n"},
                     f"Platform/Values/NSData.h: an installed header includes third-party <{name}>")
+
+    def test_catches_declarations_of_third_party_types_in_installed_headers(self):
+        for code, declaration in (
+                ("struct uv_loop_s;", "struct uv_loop_s ;"),
+                ("namespace rvf {\nclass A {};\n}\ntypedef struct sd_bus sd_bus;",
+                 "typedef struct sd_bus sd_bus ;"),
+                ("struct AvahiServer; namespace rvf {}", "struct AvahiServer ;"),
+                ("namespace icu { class Calendar; }", "namespace icu {"),
+                ("typedef struct _xmlNode xmlNode;", "typedef struct _xmlNode xmlNode ;"),
+                ("/* rvf */ struct z_stream_s; // zlib", "struct z_stream_s ;"),
+                ("typedef void* plist_t;", "typedef void * plist_t ;"),
+                ("using CURL = void;", "using CURL = void ;"),
+                ('extern "C" { struct uv_loop_s; }', "extern {")):
+            with self.subTest(code):
+                self.assert_caught(
+                    {"Platform/Values/NSData.h": LICENCE + code + "\n"},
+                    f"Platform/Values/NSData.h: an installed header declares '{declaration}' "
+                    "outside namespace rvf")
+
+    def test_lets_headers_declare_what_is_their_own_or_the_systems(self):
+        for path, code in (
+                ("Platform/Values/NSData.h",
+                 '#define TEXT "struct uv_loop_s;" \\\n  struct z_stream_s;\n// struct sd_bus;\n'
+                 "struct sockaddr;\nnamespace rvf { class Text; /* } */ }\n"
+                 "template <> struct std::hash<rvf::Text> {};\n"),
+                ("Platform/Values/Bytes.h", "struct z_stream_s;\n"),
+                ("RVFoundation/Text/A.cpp", "struct uv_loop_s;\n")):
+            with self.subTest(path):
+                self.assertIn("keep to their layers", self.problems_of({path: LICENCE + code})[0])
 
     def test_catches_third_party_includes_of_the_library_outside_streaming(self):
         self.assert_caught({"RVFoundation/Text/A.cpp": LICENCE + "#include <zlib.h>\n"},
