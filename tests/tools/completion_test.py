@@ -5,6 +5,7 @@
 Usage: completion_test.py RVF BASH_COMPLETION ZSH_COMPLETION [unittest options].
 """
 
+import contextlib
 import os
 import pty
 import re
@@ -31,6 +32,20 @@ class CompletionTest(unittest.TestCase):
         (self.folder / "store folder").mkdir()
 
 
+    def assert_offers_the_whole_tree(self, completed):
+        """completed(*words) answers what may stand in place of the last word."""
+        tree = Command(RVF)
+        for command in tree.all():
+            with self.subTest(command.words):
+                above = [each for each in tree.all()
+                         if each.words == command.words[:len(each.words)]]
+                options = {option for each in above for option in each.options}
+                self.assertEqual(sorted(completed(*command.words, "-")), sorted(options))
+                names = [each.words[-1] for each in command.subcommands]
+                if names:
+                    self.assertEqual(completed(*command.words, ""), names)
+
+
 class BashTest(CompletionTest):
     SCRIPT = ('source "$1"; shift; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _rvf;'
               '((${#COMPREPLY[@]} == 0)) || printf "%s\\n" "${COMPREPLY[@]}"')
@@ -49,17 +64,7 @@ class BashTest(CompletionTest):
                 self.assertEqual(self.completed(*words), expected)
 
     def test_every_command_offers_its_subcommands_and_options(self):
-        tree = Command(RVF)
-        for command in tree.all():
-            with self.subTest(command.words):
-                above = [each for each in tree.all()
-                         if each.words == command.words[:len(each.words)]]
-                options = {option for each in above for option in each.options}
-                self.assertEqual(set(self.completed(*command.words, "-")), options)
-                self.assertEqual(len(self.completed(*command.words, "-")), len(options))
-                names = [each.words[-1] for each in command.subcommands]
-                if names:
-                    self.assertEqual(self.completed(*command.words, ""), names)
+        self.assert_offers_the_whole_tree(self.completed)
 
     def test_the_start_of_a_word_chooses(self):
         self.assert_completes([
@@ -108,6 +113,24 @@ class BashTest(CompletionTest):
 
 
 class ZshTest(CompletionTest):
+    # The tabulator prints what would be offered, and then empties the line.
+    OFFER = (
+        'compadd() { (( $@[(I)-[ADO]] )) || { local -a found; builtin compadd -A found "$@";'
+        ' offered+=($found) }; builtin compadd "$@" };'
+        " offer() { local -a offered; _main_complete; print -r -- '<<'\"$offered\"'>>';"
+        " compstate[insert]='' compstate[list]='' };"
+        " zle -C offer complete-word offer; bindkey '^I' offer;")
+    KILL_LINE = "\x15"
+    PRINT_WORDS = "rvf() { print -r -- '<<'\"$*\"'>>' };"
+
+    def test_every_command_offers_its_subcommands_and_options(self):
+        with self.shell(self.OFFER) as controller:
+            def completed(*words):
+                line = self.KILL_LINE + " ".join(["rvf", *words]) + "\t"
+                os.write(controller, line.encode())
+                return self.read_until(controller, "<<(.*)>>")[1].split()
+            self.assert_offers_the_whole_tree(completed)
+
     def test_the_shell_reads_it(self):
         result = subprocess.run(["zsh", "-n", ZSH_COMPLETION], capture_output=True, text=True,
                                 timeout=PATIENCE, check=False)
@@ -131,6 +154,13 @@ class ZshTest(CompletionTest):
 
     def run_typed(self, typed):
         """The words that rvf gets from a line that is typed into an interactive shell."""
+        with self.shell(self.PRINT_WORDS) as controller:
+            os.write(controller, (typed + "\n").encode())
+            return self.read_until(controller, "<<(.*)>>")[1]
+
+    @contextlib.contextmanager
+    def shell(self, commands):
+        """The terminal of an interactive shell that has run the commands."""
         controller, terminal = pty.openpty()
         with subprocess.Popen(
                 ["zsh", "-f", "-i"], stdin=terminal, stdout=terminal, stderr=terminal,
@@ -138,15 +168,15 @@ class ZshTest(CompletionTest):
                 env={"PATH": os.environ["PATH"], "HOME": str(self.folder), "TERM": "vt100",
                      "LC_ALL": "C.UTF-8"}) as shell:
             os.close(terminal)
-            os.write(controller, (
-                f"fpath=({Path(ZSH_COMPLETION).parent} $fpath); autoload -Uz compinit;"
-                " compinit -u -D; rvf() { print -r -- '<<'\"$*\"'>>' }; print rea''dy\n").encode())
-            self.read_until(controller, "ready")
-            os.write(controller, (typed + "\n").encode())
-            words = self.read_until(controller, "<<(.*)>>")[1]
-            shell.kill()
-        os.close(controller)
-        return words
+            try:
+                os.write(controller, (
+                    f"fpath=({Path(ZSH_COMPLETION).parent} $fpath); autoload -Uz compinit;"
+                    f" compinit -u -D; {commands} print rea''dy\n").encode())
+                self.read_until(controller, "ready")
+                yield controller
+            finally:
+                shell.kill()
+                os.close(controller)
 
     def read_until(self, controller, pattern):
         output, end = "", time.monotonic() + PATIENCE
