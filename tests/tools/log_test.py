@@ -33,7 +33,8 @@ def enter_private_file_system():
         'for node in null zero full random urandom; do'
         '  touch /run/dev/$node && mount --bind /dev/$node /run/dev/$node || exit 1; done &&'
         'ln -s /proc/self/fd /run/dev/fd && mount --move /run/dev /dev && exec "$0" "$@"')
-    command = ["unshare", "--mount", "--", "sh", "-c", script, sys.executable] + sys.argv
+    kind = ["--mount"] if os.geteuid() == 0 else ["--user", "--map-root-user", "--mount"]
+    command = ["unshare", *kind, "--", "sh", "-c", script, sys.executable] + sys.argv
     os.execvpe(command[0], command, dict(os.environ, RVF_TEST_FILES="private"))
 
 
