@@ -38,10 +38,19 @@ install(FILES "${PROJECT_BINARY_DIR}/RVFoundationConfig.cmake"
               "${PROJECT_BINARY_DIR}/RVFoundationConfigVersion.cmake"
         DESTINATION "${RVF_PACKAGE_DIR}"
         COMPONENT Development)
+
+# Static libraries leave it to their client to link what they stand on. Of shared ones nothing is said,
+# because pkg-config looks for what is private even where it is not needed.
+set(RVF_PLATFORM_PRIVATE "")
+set(RVF_FOUNDATION_PRIVATE "")
 if(NOT BUILD_SHARED_LIBS)
-  # Static libraries leave it to their client to link what they stand on.
   install(FILES "${CMAKE_CURRENT_LIST_DIR}/Dependencies.cmake" DESTINATION "${RVF_PACKAGE_DIR}"
           COMPONENT Development)
+  string(CONCAT RVF_PLATFORM_PRIVATE
+                "Requires.private: avahi-core fmt icu-i18n icu-uc libmd libplist-2.0 libsystemd libuv "
+                "libxml-2.0 uuid\n"
+                "Libs.private: -lboost_locale -pthread")
+  set(RVF_FOUNDATION_PRIVATE "Requires.private: libxml-2.0 zlib")
 endif()
 
 file(RELATIVE_PATH RVF_PREFIX_FROM_PKGCONFIG "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig"

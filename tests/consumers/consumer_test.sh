@@ -2,7 +2,8 @@
 # SPDX-License-Identifier: Apache-2.0
 # Builds and runs a client's project against this build tree, the way the client would.
 #
-# usage: consumer_test.sh find_package|pkg_config|debian BUILD_DIR WORK_DIR CXX CXX_FLAGS
+# usage: consumer_test.sh KIND BUILD_DIR WORK_DIR CXX CXX_FLAGS
+#        KIND: find_package|pkg_config|pkg_config_static|debian
 #
 # CXX and CXX_FLAGS are those of the build tree: sanitizers must agree on both sides.
 set -euo pipefail
@@ -23,6 +24,21 @@ build_project() {
     -D CMAKE_CXX_FLAGS="$cxx_flags" "${@:2}"
   cmake --build "$work/build"
   "$work/build/consumer"
+}
+
+# build_by_pkg_config [OPTION...]: the options are for pkg-config.
+build_by_pkg_config() {
+  local flags
+  pkg-config --exists --print-errors rvfoundation
+  read -ra flags < <(pkg-config --cflags --libs "$@" rvfoundation)
+  # shellcheck disable=SC2086  # flags, not one
+  "$cxx" $cxx_flags -std=c++20 "$here/main.cpp" -o "$work/consumer" "${flags[@]}"
+  LD_LIBRARY_PATH=$(pkg-config --variable=libdir rvfoundation) "$work/consumer"
+}
+
+# The folder with rvfoundation.pc below another one.
+pkg_config_folder() {
+  dirname "$(find "$1" -name rvfoundation.pc)"
 }
 
 # The tool finds its libraries and its translations wherever it is installed.
@@ -57,11 +73,16 @@ case $kind in
     ;;
   pkg_config)
     install_and_move
-    folder=$(dirname "$(find "$work/moved" -name rvfoundation.pc)")
-    read -ra flags < <(PKG_CONFIG_PATH=$folder pkg-config --cflags --libs rvfoundation)
-    "$cxx" -std=c++20 "$here/main.cpp" -o "$work/consumer" "${flags[@]}"
-    LD_LIBRARY_PATH=$(PKG_CONFIG_PATH=$folder pkg-config --variable=libdir rvfoundation) \
-      "$work/consumer"
+    # Nobody needs more than what is installed here: that is all that pkg-config finds.
+    PKG_CONFIG_LIBDIR=$(pkg_config_folder "$work/moved")
+    export PKG_CONFIG_LIBDIR
+    build_by_pkg_config
+    ;;
+  pkg_config_static)
+    install_and_move
+    PKG_CONFIG_PATH=$(pkg_config_folder "$work/moved")
+    export PKG_CONFIG_PATH
+    build_by_pkg_config --static
     ;;
   debian)
     (cd "$build" && cpack -G DEB -B "$work/packages" >"$work/cpack.log") ||
@@ -70,12 +91,16 @@ case $kind in
     mkdir -p "$work/root/var/lib/dpkg"
     dpkg --root="$work/root" --force-depends --force-script-chrootless --no-triggers \
       --log=/dev/null -i "$work"/packages/*.deb
+    "$here/package_dependencies_test.py" "$work/packages"
     build_project find_package -D CMAKE_PREFIX_PATH="$work/root/usr"
+    PKG_CONFIG_LIBDIR=$(pkg_config_folder "$work/root")
+    export PKG_CONFIG_LIBDIR
+    build_by_pkg_config
     check_tool "$work/root/usr/bin/rvf"
     check_documents "$work/root/usr/share"
     ;;
   *)
-    sed -n '/^# usage/s/^# //p' "$0" >&2
+    sed -n '/^# usage/,/^# *KIND/s/^# //p' "$0" >&2
     exit 2
     ;;
 esac
