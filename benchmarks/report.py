@@ -168,8 +168,9 @@ def notes_of(rows):
 def described(context):
     """One sentence about where and when."""
     machine = context["machine"]
+    commit = f"commit {context['commit']}" if context["commit"] else "unknown commit"
     sentence = (f"{context['date']}, {machine['cores']} cores of {machine['cpu']}, "
-                f"{machine['system']}, {context['compiler']}, commit {context['commit']}, "
+                f"{machine['system']}, {context['compiler']}, {commit}, "
                 f"{'short repetitions, ' if context['quick'] else ''}"
                 f"load {context['load']:.2f} at the start")
     return sentence + (", so other work went on." if context["load"] > context["quiet_load"]

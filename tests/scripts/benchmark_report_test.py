@@ -75,6 +75,7 @@ class Report(unittest.TestCase):
                          sentence + "load 0.60 at the start, so other work went on.")
         self.assertEqual(report.described({**context, "quick": True}),
                          sentence + "short repetitions, load 0.10 at the start.")
+        self.assertIn(", g++ 12, unknown commit, load", report.described({**context, "commit": None}))
 
     def test_writes_durations_with_three_figures_and_a_fitting_unit(self):
         for seconds, text in ((4.2e-10, "0.420 ns"), (9.9e-7, "990 ns"), (9.996e-7, "1.00 µs"),
