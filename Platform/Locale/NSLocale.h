@@ -32,6 +32,7 @@ class RVF_EXPORT NSLocale final : public NSObject {
  public:
   explicit NSLocale(std::string_view localeIdentifier);
 
+  /// Takes any text; `languageCode` is empty if it names no language.
   static Ref<NSLocale> localeWithLocaleIdentifier(std::string_view identifier);
 
   /// The locale that user-visible texts are for. Thread-safe. Its first call begins the use of the
@@ -56,6 +57,7 @@ class RVF_EXPORT NSLocale final : public NSObject {
   static Class classObject();
   Class isa() const override;
 
+  /// As it was given, whether it names a known locale or not.
   const std::string& localeIdentifier() const noexcept { return identifier_; }
   /// "de": two to eight ASCII letters in lower case; empty if the identifier names no language.
   std::string languageCode() const;

@@ -91,6 +91,7 @@ class RVF_EXPORT CFRunLoopSource final : public NSObject {
   static Class classObject();
   Class isa() const override;
 
+  /// What `CFRunLoopAddSource` does, which see.
   void addToRunLoop(const Ref<NSRunLoop>& loop, std::string_view mode) const;
 
  private:

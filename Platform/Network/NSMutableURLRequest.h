@@ -16,11 +16,13 @@ class RVF_EXPORT NSMutableURLRequest final : public NSURLRequest {
  public:
   using NSURLRequest::NSURLRequest;
 
+  /// A "GET" without body that may take 60 seconds.
   static Ref<NSMutableURLRequest> requestWithURL(Ref<NSURL> url);
 
   static Class classObject();
   Class isa() const override;
 
+  /// The method is taken as it is, whatever its letters.
   void setURL(Ref<NSURL> url);
   void setHTTPMethod(std::string method);
   /// Absent for no body.

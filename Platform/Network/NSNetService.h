@@ -65,6 +65,8 @@ class RVF_EXPORT NSNetService final : public NSObject {
   static Class classObject();
   Class isa() const override;
 
+  /// As given or found; the name also changes when it is published under another because it was
+  /// taken.
   std::string name() const;
   std::string type() const;
   std::string domain() const;
@@ -86,6 +88,7 @@ class RVF_EXPORT NSNetService final : public NSObject {
   /// Seconds that other hosts keep the published records when this process dies; 120 unless set.
   void setRecordLifetime(std::uint32_t seconds);
 
+  /// Not owned: absent once it is gone.
   std::shared_ptr<NSNetServiceDelegate> delegate() const;
   void setDelegate(std::weak_ptr<NSNetServiceDelegate> delegate);
 

@@ -42,12 +42,14 @@ class RVF_EXPORT NSNetServiceBrowserDelegate {
 /// search untold; services that it found may outlive it.
 class RVF_EXPORT NSNetServiceBrowser final : public NSObject {
  public:
+  /// Idle, without delegate.
   static Ref<NSNetServiceBrowser> browser();
   ~NSNetServiceBrowser() override;
 
   static Class classObject();
   Class isa() const override;
 
+  /// Not owned: absent once it is gone.
   std::shared_ptr<NSNetServiceBrowserDelegate> delegate() const;
   void setDelegate(std::weak_ptr<NSNetServiceBrowserDelegate> delegate);
 

@@ -44,6 +44,7 @@ class RVF_EXPORT NSURL final : public NSObject {
   /// The URL of `absoluteString`, without base.
   Ref<NSURL> absoluteURL() const;
 
+  /// Letters as they stand in the text. Absent if there is none.
   std::optional<std::string> scheme() const;
   /// Decoded, without the brackets of an IPv6 address: "fe80::1%4". Absent if there is none or an
   /// empty one.

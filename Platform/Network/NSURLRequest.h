@@ -18,11 +18,13 @@ class RVF_EXPORT NSURLRequest : public NSObject {
   /// A "GET" without body that may take 60 seconds.
   explicit NSURLRequest(Ref<NSURL> url);
 
+  /// A "GET" without body that may take 60 seconds.
   static Ref<NSURLRequest> requestWithURL(Ref<NSURL> url);
 
   static Class classObject();
   Class isa() const override;
 
+  /// The object that it was made with, no copy.
   const Ref<NSURL>& URL() const noexcept { return url_; }
   const std::string& HTTPMethod() const noexcept { return method_; }
   /// Absent for no body, which differs from an empty one.

@@ -27,8 +27,8 @@ class RVF_EXPORT ServiceDiscovery final {
  public:
   ServiceDiscovery() = delete;
 
-  static ServiceDiscoveryChoice choice();
   /// `automatic` unless set.
+  static ServiceDiscoveryChoice choice();
   static void setChoice(ServiceDiscoveryChoice choice);
 
   /// Makes back ends in place of the built-in ones. Called on the thread that needs one.

@@ -60,6 +60,7 @@ class RVF_EXPORT DiscoveryActivity {
 /// Thread: called on the run loop of the thread that started the activity. Lifetime: owned by the
 /// activity; never called after its end.
 struct BrowseEvents {
+  /// Once for each link that shows the registration, and once when that no longer does.
   std::function<void(const ServiceIdentity&, ServiceLink)> found;
   std::function<void(const ServiceIdentity&, ServiceLink)> removed;
   /// All that is known for now has been reported.

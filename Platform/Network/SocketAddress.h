@@ -34,6 +34,7 @@ class RVF_EXPORT SocketAddress final {
   using IPv4Bytes = std::array<std::uint8_t, 4>;
   using IPv6Bytes = std::array<std::uint8_t, 16>;
 
+  /// Address bytes in network order, the port in host order.
   static SocketAddress withIPv4(IPv4Bytes address, std::uint16_t port) noexcept;
   /// `scope` is the index of the interface that a link-local address belongs to, else 0.
   static SocketAddress withIPv6(IPv6Bytes address, std::uint16_t port,

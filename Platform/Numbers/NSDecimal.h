@@ -52,6 +52,7 @@ class RVF_EXPORT NSDecimal final {
   constexpr NSDecimal() noexcept = default;
   static NSDecimal notANumber() noexcept;
 
+  /// Exact for every integer.
   static NSDecimal fromInteger(std::int64_t value) noexcept;
   static NSDecimal fromInteger(std::uint64_t value) noexcept;
   /// The shortest decimal that reads back to the same double: 0.1 is 0.1. Too near to zero is
@@ -65,6 +66,7 @@ class RVF_EXPORT NSDecimal final {
   /// is no digit or the number is too large.
   static NSDecimal fromText(std::string_view text, std::string_view separator = ".") noexcept;
 
+  /// Unless it is NaN, the number is mantissa * 10^exponent, with the sign of `isNegative`.
   bool isNaN() const noexcept { return isNaN_; }
   bool isZero() const noexcept { return mantissa_ == 0 && !isNaN_; }
   bool isNegative() const noexcept { return isNegative_; }

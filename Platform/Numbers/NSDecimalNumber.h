@@ -27,6 +27,7 @@ class RVF_EXPORT NSDecimalNumber final : public NSNumber {
  public:
   explicit NSDecimalNumber(const NSDecimal& value);
 
+  /// mantissa * 10^exponent; see `NSDecimal::fromParts` for what does not fit.
   static Ref<NSDecimalNumber> decimalNumberWithDecimal(const NSDecimal& value);
   static Ref<NSDecimalNumber> decimalNumberWithMantissa(std::uint64_t mantissa, short exponent,
                                                         bool isNegative);
@@ -38,6 +39,7 @@ class RVF_EXPORT NSDecimalNumber final : public NSNumber {
   /// The decimal that stands for a number of any kind; itself if it is one.
   static Ref<NSDecimalNumber> decimalNumberWithNumber(const Ref<NSNumber>& number);
 
+  /// Each call makes an object: compare by value.
   static Ref<NSDecimalNumber> zero();
   static Ref<NSDecimalNumber> one();
   static Ref<NSDecimalNumber> notANumber();
@@ -45,6 +47,7 @@ class RVF_EXPORT NSDecimalNumber final : public NSNumber {
   static Class classObject();
   Class isa() const override;
 
+  /// For arithmetic without objects: `NSDecimalAdd` and the like.
   const NSDecimal& decimalValue() const noexcept { return value_; }
   bool boolValue() const override { return !value_.isZero(); }
   double doubleValue() const override { return value_.doubleValue(); }

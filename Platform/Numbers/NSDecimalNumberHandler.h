@@ -36,6 +36,7 @@ class RVF_EXPORT NSDecimalNumberHandler final : public NSObject {
   static Class classObject();
   Class isa() const override;
 
+  /// Given back as set. A handler does not change.
   NSRoundingMode roundingMode() const noexcept { return roundingMode_; }
   /// Decimals that a result keeps at most.
   int scale() const noexcept { return scale_; }

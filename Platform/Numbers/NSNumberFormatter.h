@@ -61,6 +61,7 @@ class RVF_EXPORT NSNumberFormatter : public NSFormatter {
   static Class classObject();
   Class isa() const override;
 
+  /// Kept and given back; changes nothing else.
   NSNumberFormatterBehavior formatterBehavior() const noexcept;
   void setFormatterBehavior(NSNumberFormatterBehavior behavior);
 

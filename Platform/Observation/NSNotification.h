@@ -26,6 +26,7 @@ class RVF_EXPORT NSNotification final : public NSObject {
   static Class classObject();
   Class isa() const override;
 
+  /// Object and user info are absent if the poster gave none.
   const std::string& name() const noexcept { return name_; }
   const id& object() const noexcept { return object_; }
   const Ref<NSDictionary>& userInfo() const noexcept { return userInfo_; }

@@ -102,6 +102,7 @@ class RVF_EXPORT NSComparisonPredicate : public NSPredicate {
   static Class classObject();
   Class isa() const override;
 
+  /// The parts that it was made of. No expression is absent.
   const Ref<NSExpression>& leftExpression() const noexcept { return left_; }
   const Ref<NSExpression>& rightExpression() const noexcept { return right_; }
   NSPredicateOperatorType predicateOperatorType() const noexcept { return operation_.type; }

@@ -32,6 +32,7 @@ class RVF_EXPORT NSCompoundPredicate : public NSPredicate {
   static Class classObject();
   Class isa() const override;
 
+  /// Which of AND, OR and NOT joins the parts.
   NSCompoundPredicateType compoundPredicateType() const noexcept { return type_; }
   /// Never absent; a copy of what it was made with.
   const Ref<NSArray>& subpredicates() const noexcept { return subpredicates_; }

@@ -57,6 +57,7 @@ class RVF_EXPORT NSExpression final : public NSObject {
   static Class classObject();
   Class isa() const override;
 
+  /// Says which of the parts below it has.
   NSExpressionType expressionType() const noexcept { return type_; }
   /// The parts; each raises `NSInvalidArgumentException` for an expression of another kind.
   const id& constantValue() const;

@@ -66,6 +66,7 @@ class RVF_EXPORT NSPredicate : public NSObject {
   static Ref<NSPredicate> predicateWithFormatArgumentArray(std::string_view format,
                                                            const Ref<NSArray>& argumentArray);
 
+  /// The same answer for every object: `TRUEPREDICATE` or `FALSEPREDICATE`.
   static Ref<NSPredicate> predicateWithValue(bool value);
   /// Raises `NSInvalidArgumentException` for an empty block. It is equal to itself only.
   static Ref<NSPredicate> predicateWithBlock(Block block);
@@ -99,6 +100,7 @@ class RVF_EXPORT NSPredicate : public NSObject {
  protected:
   explicit NSPredicate(std::size_t depth = 1) noexcept : depth_(depth) {}
 
+  /// What `evaluateWithObject` answers. Object and variables may be absent.
   virtual bool evaluates(const id& object, const Ref<NSDictionary>& variables) const = 0;
   /// Called with at least a dictionary; answers itself unless a class says otherwise.
   virtual Ref<NSPredicate> substituted(const NSDictionary& variables);

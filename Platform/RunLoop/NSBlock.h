@@ -21,6 +21,7 @@ class RVF_EXPORT NSBlock final : public NSObject {
   static Class classObject();
   Class isa() const override;
 
+  /// May be called any number of times, by itself or by `invoke`; what it throws comes out.
   const Block& block() const noexcept { return block_; }
   void invoke() const { block_(); }
 

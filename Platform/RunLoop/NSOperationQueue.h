@@ -43,6 +43,7 @@ class RVF_EXPORT NSOperationQueue final : public NSObject {
   static Class classObject();
   Class isa() const override;
 
+  /// One for the process, from any thread.
   static Ref<NSOperationQueue> mainQueue();
 
   /// Takes an operation. Never starts it within the call. Raises `NSInvalidArgumentException` if it

@@ -68,6 +68,7 @@ class RVF_EXPORT NSRunLoop final : public NSObject {
   using DescriptorBlock = std::function<void(DescriptorEvents)>;
   using Clock = std::chrono::steady_clock;
 
+  /// The calling thread's.
   static Ref<NSRunLoop> currentRunLoop();
   /// The loop of the process's initial thread, from any thread.
   static Ref<NSRunLoop> mainRunLoop();

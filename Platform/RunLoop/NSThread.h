@@ -26,6 +26,7 @@ class RVF_EXPORT NSThread final : public NSObject {
  public:
   using Block = std::function<void()>;
 
+  /// The calling thread's.
   static Ref<NSThread> currentThread();
   /// The process's initial thread, whoever asks first.
   static Ref<NSThread> mainThread();

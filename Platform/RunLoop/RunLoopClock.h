@@ -21,6 +21,7 @@ class RVF_EXPORT RunLoopClock {
   RunLoopClock& operator=(const RunLoopClock&) = delete;
   virtual ~RunLoopClock();
 
+  /// Called on any thread, and often: once or more a turn.
   virtual TimePoint now() const = 0;
 
   /// The system's monotonic clock, which every loop uses unless told otherwise.

@@ -22,6 +22,7 @@ class RVF_EXPORT ClassReceiver final : public NSObject {
  public:
   explicit ClassReceiver(Class receivingClass) : receivingClass_(receivingClass) {}
 
+  /// The class that this stands for.
   Class receivingClass() const noexcept { return receivingClass_; }
 
   bool isEqual(const NSObject* other) const override;

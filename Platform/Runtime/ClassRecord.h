@@ -21,6 +21,7 @@ class ProtocolRecord final {
  public:
   explicit ProtocolRecord(std::string name) : name_(std::move(name)) {}
 
+  /// The name is fixed; what it extends may grow, under the lock.
   const std::string& name() const noexcept { return name_; }
   bool conformsTo(Protocol other) const;
   void extend(Protocol other) { extended_.push_back(other); }
@@ -43,6 +44,7 @@ class Published final {
     publish(std::forward<Parts>(parts)...);
   }
 
+  /// The newest version. Stays valid when another one is published.
   const T& get() const noexcept { return *current_.load(std::memory_order_acquire); }
   /// Only one thread at a time.
   template <class... Parts>

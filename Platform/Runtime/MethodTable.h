@@ -27,6 +27,7 @@ class RVF_EXPORT MethodTable final {
  public:
   explicit MethodTable(const std::vector<Method>& methods);
 
+  /// The newest method of that selector; null if there is none.
   const Method* find(SEL selector) const noexcept {
     const Index& index = *index_.load(std::memory_order_acquire);
     std::size_t slot = index.firstSlot(selector);

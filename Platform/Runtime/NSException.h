@@ -23,6 +23,7 @@ class RVF_EXPORT NSException : public std::exception {
   NSException(const NSException&) noexcept = default;
   NSException& operator=(const NSException&) noexcept = default;
 
+  /// Which kind of error it is, to be compared with, and what happened, for people.
   const std::string& name() const noexcept { return texts_->name; }
   const std::string& reason() const noexcept { return texts_->reason; }
   const char* what() const noexcept override { return texts_->what.c_str(); }

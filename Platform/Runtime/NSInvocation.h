@@ -32,12 +32,14 @@ class RVF_EXPORT NSInvocation final : public NSObject {
   static Class classObject();
   Class isa() const override;
 
+  /// Fixed, whereas target and selector, arguments 0 and 1, may change until the message is sent.
   const Ref<NSMethodSignature>& methodSignature() const noexcept { return signature_; }
   id target() const { return argument<id>(0); }
   void setTarget(id target) { setArgument(std::move(target), 0); }
   SEL selector() const { return argument<SEL>(1); }
   void setSelector(SEL selector) { setArgument(selector, 1); }
 
+  /// Raises `NSInvalidArgumentException` past the signature.
   template <class T>
   void setArgument(T&& value, std::size_t index) {
     setValue(toAny(std::forward<T>(value)), index);

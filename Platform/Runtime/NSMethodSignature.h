@@ -24,6 +24,7 @@ class RVF_EXPORT NSMethodSignature final : public NSObject {
   static Class classObject();
   Class isa() const override;
 
+  /// Receiver and selector included.
   std::size_t numberOfArguments() const noexcept { return argumentTypes_.size(); }
   /// Raises `NSInvalidArgumentException` past the last argument.
   const std::string& getArgumentTypeAtIndex(std::size_t index) const;

@@ -45,6 +45,7 @@ class RVF_EXPORT NSObject : public std::enable_shared_from_this<NSObject> {
   /// The class of this object.
   virtual Class isa() const;
 
+  /// By the class that `isa` answers and, but for `isMemberOfClass`, its ancestors.
   virtual bool isKindOfClass(Class aClass) const;
   virtual bool isMemberOfClass(Class aClass) const;
   virtual bool conformsToProtocol(std::string_view protocolName) const;

@@ -32,6 +32,7 @@ class RVF_EXPORT RunningMethod final {
   /// The innermost mark of this thread, or null.
   static const RunningMethod* innermost() noexcept { return threadsInnermost(); }
 
+  /// What was given, valid as long as the mark.
   const IMP& implementation() const noexcept { return implementation_; }
   const NSObject& receiver() const noexcept { return receiver_; }
   SEL selector() const noexcept { return selector_; }

@@ -50,6 +50,7 @@ class RVF_EXPORT NSCoder : public NSObject {
   virtual void encodeInteger(long value, std::string_view forKey);
   virtual void encodeDouble(double value, std::string_view forKey);
 
+  /// True for an absent object that was encoded as absent.
   virtual bool containsValueForKey(std::string_view key);
   /// Absent, 0 or false if there is no value under the key.
   virtual id decodeObjectForKey(std::string_view key);

@@ -31,6 +31,7 @@ class RVF_EXPORT NSFileHandle final : public NSObject {
   static Class classObject();
   Class isa() const override;
 
+  /// For system calls such as `fstat`. Whoever owns it closes it.
   int fileDescriptor() const noexcept { return descriptor_; }
 
   /// Reads until that many bytes have come or the end is reached, and waits for them; empty at the

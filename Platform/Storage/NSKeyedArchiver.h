@@ -58,6 +58,7 @@ class RVF_EXPORT NSKeyedArchiver final : public NSCoder {
   static Class classObject();
   Class isa() const override;
 
+  /// Absent once it is gone.
   std::shared_ptr<NSKeyedArchiverDelegate> delegate() const { return delegate_.lock(); }
   /// Not owned. It is read whenever it is asked.
   void setDelegate(std::weak_ptr<NSKeyedArchiverDelegate> delegate);

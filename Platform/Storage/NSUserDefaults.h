@@ -72,6 +72,7 @@ class RVF_EXPORT NSUserDefaults : public NSObject {
   static Class classObject();
   Class isa() const override;
 
+  /// The stored value, else the registered one, else absent.
   virtual id objectForKey(std::string_view key);
   /// Absent removes.
   virtual void setObject(const id& object, std::string_view key);

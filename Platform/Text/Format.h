@@ -40,6 +40,7 @@ class RVF_EXPORT FormatArgument final {
   FormatArgument(const Ref<T>& object) noexcept : value_(id(object)) {}
   FormatArgument(const void* address) noexcept : value_(address) {}
 
+  /// The widest type of its kind. Texts are referred to only.
   const Value& value() const noexcept { return value_; }
 
  private:
@@ -83,6 +84,8 @@ class RVF_EXPORT FormatArgument final {
 RVF_EXPORT std::string formatText(std::string_view format,
                                   std::span<const FormatArgument> arguments);
 
+/// `formatText` with the arguments as they stand in the call: `stringWithFormat("%d of %@", 3,
+/// name)`.
 template <class... Arguments>
 std::string stringWithFormat(std::string_view format, const Arguments&... arguments) {
   const std::array<FormatArgument, sizeof...(Arguments)> list{FormatArgument(arguments)...};

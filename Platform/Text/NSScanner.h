@@ -26,6 +26,7 @@ class RVF_EXPORT NSScanner final : public NSObject {
  public:
   explicit NSScanner(std::string_view text) : text_(text) {}
 
+  /// Stands before the first character.
   static Ref<NSScanner> scannerWithString(std::string_view text);
 
   static Class classObject();

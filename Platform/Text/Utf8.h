@@ -25,6 +25,7 @@ RVF_EXPORT bool isWideWhiteSpace(char32_t codePoint) noexcept;
 
 }  // namespace detail
 
+/// Whether the byte is a character on its own.
 constexpr bool isAscii(char byte) noexcept {
   return static_cast<unsigned char>(byte) < 0x80;
 }
@@ -42,6 +43,7 @@ inline Utf8Unit lastUtf8Unit(std::string_view text) noexcept {
   return detail::decodeLastUtf8Unit(text);
 }
 
+/// Whether the byte can only continue a character that began before it.
 constexpr bool isUtf8Continuation(char byte) noexcept {
   return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
 }

@@ -70,8 +70,10 @@ class RVF_EXPORT NSCalendar final : public NSObject {
   static Class classObject();
   Class isa() const override;
 
+  /// One of those listed above.
   const std::string& calendarIdentifier() const noexcept;
 
+  /// Never absent.
   const Ref<NSTimeZone>& timeZone() const noexcept;
   /// Absent brings the default time zone of this moment back.
   void setTimeZone(Ref<NSTimeZone> zone);

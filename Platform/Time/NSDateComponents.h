@@ -46,6 +46,7 @@ class RVF_EXPORT NSDateComponents final : public NSObject {
   long minute() const noexcept { return minute_; }
   long second() const noexcept { return second_; }
 
+  /// Values out of range carry over when a calendar makes a date of them.
   void setEra(long era);
   void setYear(long year);
   void setMonth(long month);

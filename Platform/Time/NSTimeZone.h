@@ -34,6 +34,7 @@ class RVF_EXPORT NSTimeZone final : public NSObject {
   static Class classObject();
   Class isa() const override;
 
+  /// "Europe/Berlin", or "GMT+05:30" of one that is known by its distance.
   const std::string& name() const noexcept { return name_; }
 
   bool isEqual(const NSObject* other) const override;

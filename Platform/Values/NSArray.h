@@ -23,6 +23,7 @@ class RVF_EXPORT NSArray : public NSObject {
   NSArray() = default;
   explicit NSArray(std::vector<id> objects);
 
+  /// Of no object, or of these in their order.
   static Ref<NSArray> array();
   static Ref<NSArray> arrayWithObjects(std::vector<id> objects);
   /// From a list of references of one class.
@@ -34,6 +35,7 @@ class RVF_EXPORT NSArray : public NSObject {
   static Class classObject();
   Class isa() const override;
 
+  /// In constant time, like access by index and at the ends.
   std::size_t count() const noexcept { return objects_.size(); }
   /// Raises `NSRangeException`, "index 2 beyond bounds [0 .. 1]", past the end.
   const id& objectAtIndex(std::size_t index) const;

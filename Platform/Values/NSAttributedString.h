@@ -21,12 +21,14 @@ class RVF_EXPORT NSAttributedString final : public NSObject {
   /// Absent attributes are none. Raises `NSInvalidArgumentException` for absent text.
   NSAttributedString(std::optional<std::string_view> text, const Ref<NSDictionary>& attributes);
 
+  /// As the constructor.
   static Ref<NSAttributedString> attributedStringWithString(std::optional<std::string_view> text,
                                                             const Ref<NSDictionary>& attributes);
 
   static Class classObject();
   Class isa() const override;
 
+  /// The text without its attributes, UTF-8.
   const std::string& string() const noexcept { return text_; }
   /// UTF-16 code units.
   std::size_t length() const;

@@ -23,6 +23,7 @@ class RVF_EXPORT NSData final : public NSObject {
   /// Takes over a buffer of which the first `length` bytes count. Nothing is copied.
   NSData(std::unique_ptr<std::byte[]> buffer, std::size_t length) noexcept;
 
+  /// Of no bytes.
   static Ref<NSData> data();
   /// Copies the bytes.
   static Ref<NSData> dataWithBytes(std::span<const std::byte> bytes);
@@ -31,6 +32,7 @@ class RVF_EXPORT NSData final : public NSObject {
   static Class classObject();
   Class isa() const override;
 
+  /// Bytes. A span of them is valid as long as the object.
   std::size_t length() const noexcept { return bytes_.size(); }
   bool empty() const noexcept { return bytes_.empty(); }
   std::span<const std::byte> bytes() const noexcept { return bytes_; }

@@ -33,6 +33,7 @@ class RVF_EXPORT NSDate final : public NSObject {
   static Class classObject();
   Class isa() const override;
 
+  /// Seconds, negative before the date that they count from.
   double timeIntervalSinceReferenceDate() const noexcept { return seconds_; }
   double timeIntervalSince1970() const noexcept;
 

@@ -31,6 +31,7 @@ class RVF_EXPORT NSDictionary : public NSObject {
   NSDictionary() = default;
   explicit NSDictionary(Entries entries);
 
+  /// Without entries.
   static Ref<NSDictionary> dictionary();
   /// From text keys; of two equal keys the later one counts.
   static Ref<NSDictionary> dictionaryWithEntries(TextEntries entries);
@@ -38,6 +39,7 @@ class RVF_EXPORT NSDictionary : public NSObject {
   static Class classObject();
   Class isa() const override;
 
+  /// Entries.
   std::size_t count() const noexcept { return entries_.size(); }
   /// Absent if there is no entry.
   id objectForKey(const id& key) const;

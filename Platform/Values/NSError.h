@@ -33,12 +33,15 @@ class RVF_EXPORT NSError final : public NSObject {
  public:
   NSError(std::string_view domain, long code, const Ref<NSDictionary>& userInfo = nullptr);
 
+  /// An absent user info stands for no texts: `localizedDescription` then makes one of domain and
+  /// code.
   static Ref<NSError> errorWithDomain(std::string_view domain, long code,
                                       const Ref<NSDictionary>& userInfo = nullptr);
 
   static Class classObject();
   Class isa() const override;
 
+  /// A code means something only together with its domain: compare both.
   const std::string& domain() const noexcept { return domain_; }
   long code() const noexcept { return code_; }
   /// Absent when the failure carries no text.

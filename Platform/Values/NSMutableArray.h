@@ -16,6 +16,7 @@ class RVF_EXPORT NSMutableArray final : public NSArray {
  public:
   using NSArray::NSArray;
 
+  /// Empty.
   static Ref<NSMutableArray> array();
 
   static Class classObject();

@@ -16,6 +16,7 @@ class RVF_EXPORT NSMutableDictionary final : public NSDictionary {
  public:
   using NSDictionary::NSDictionary;
 
+  /// Empty.
   static Ref<NSMutableDictionary> dictionary();
 
   static Class classObject();

@@ -11,6 +11,7 @@ namespace rvf {
 /// Thread: any; immutable. Lifetime: as long as the process.
 class RVF_EXPORT NSNull final : public NSObject {
  public:
+  /// Always the same object, so it may be compared by identity.
   static Ref<NSNull> null();
 
   /// Only `null` can make the key.

@@ -31,6 +31,7 @@ class RVF_EXPORT NSNumber : public NSValue {
   template <NumberValue T>
   explicit NSNumber(T value) : NSNumber(storageOf(value), typeEncoding<T>()) {}
 
+  /// Takes the type code of the value's C++ type.
   template <NumberValue T>
   static Ref<NSNumber> numberWithValue(T value) {
     return std::make_shared<NSNumber>(value);
@@ -39,6 +40,7 @@ class RVF_EXPORT NSNumber : public NSValue {
   static Class classObject();
   Class isa() const override;
 
+  /// Not zero. The readings below convert as the class says.
   virtual bool boolValue() const;
   signed char charValue() const { return integer<signed char>(); }
   unsigned char unsignedCharValue() const { return integer<unsigned char>(); }

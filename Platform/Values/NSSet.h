@@ -23,15 +23,18 @@ class RVF_EXPORT NSSet final : public NSObject {
 
   explicit NSSet(const std::vector<id>& objects);
 
+  /// Of equal objects the first is kept.
   static Ref<NSSet> setWithObjects(const std::vector<id>& objects);
 
   static Class classObject();
   Class isa() const override;
 
+  /// Membership is by equality, found by hash.
   std::size_t count() const noexcept { return objects_.size(); }
   bool containsObject(const id& object) const;
   Ref<NSArray> allObjects() const;
 
+  /// For loops over the objects, in no defined order.
   auto begin() const noexcept { return objects_.begin(); }
   auto end() const noexcept { return objects_.end(); }
 

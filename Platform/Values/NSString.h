@@ -23,6 +23,7 @@ class RVF_EXPORT NSString final : public NSObject {
  public:
   explicit NSString(std::string text) : text_(std::move(text)) {}
 
+  /// Keeps the bytes whatever they encode.
   static Ref<NSString> stringWithString(std::string_view text);
   /// Strict UTF-8 decoding: absent if the bytes are not valid UTF-8.
   static Ref<NSString> stringWithUTF8Bytes(std::string_view bytes);
@@ -30,6 +31,7 @@ class RVF_EXPORT NSString final : public NSObject {
   static Class classObject();
   Class isa() const override;
 
+  /// The bytes as they were given, which need not be valid UTF-8.
   const std::string& string() const noexcept { return text_; }
   /// UTF-16 code units.
   std::size_t length() const;

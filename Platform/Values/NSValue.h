@@ -39,6 +39,7 @@ class RVF_EXPORT NSValue : public NSObject {
   static Class classObject();
   Class isa() const override;
 
+  /// Compare it before reading a record: `getValue` looks at the size alone.
   const std::string& objCType() const noexcept { return objCType_; }
   /// The record, or nothing if its size is not that of `T`.
   template <class T>

@@ -41,6 +41,7 @@ class RVF_EXPORT RVFBlockQueue final : public NSObject {
   static Class classObject();
   Class isa() const override;
 
+  /// Puts a step behind the others. It is kept until its turn; it starts nothing.
   void addBlock(Step step);
   /// Whether no step waits for its turn. The one that is running does not count.
   bool empty() const noexcept { return blocks_.empty(); }

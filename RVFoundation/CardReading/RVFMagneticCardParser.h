@@ -84,6 +84,7 @@ class RVF_EXPORT RVFMagneticCardParser : public NSObject {
   /// False unless it has exactly twelve fields with "|" between them.
   virtual bool parseEncryptedTrack(std::string_view body);
 
+  /// Of track 1 or 2, whichever was read last. Absent until set.
   std::optional<std::string_view> accountNumber() const noexcept { return accountNumber_.view(); }
   void setAccountNumber(std::optional<std::string_view> accountNumber);
   /// The name field as it was read: last name, "/", first name, perhaps with blanks.

@@ -31,6 +31,7 @@ class RVF_EXPORT RVFRecoveryAttempterBlock final : public NSObject {
   static Class classObject();
   Class isa() const override;
 
+  /// May be replaced at any time; an attempt calls the one of its moment.
   const Handler& handler() const noexcept { return handler_; }
   void setHandler(Handler handler);
 

@@ -17,6 +17,7 @@ namespace rvf {
 /// Thread: any; a formatter that is got serves one at a time. Lifetime: each formatter is the
 /// caller's own.
 struct RVF_EXPORT NSNumberFormatter_QMExtension {
+  /// What each writes stands in the table above.
   static Ref<NSNumberFormatter> currencyFormatter();
   static Ref<NSNumberFormatter> quantityFormatter();
   static Ref<NSNumberFormatter> discountFormatter();

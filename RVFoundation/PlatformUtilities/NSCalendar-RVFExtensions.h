@@ -33,6 +33,7 @@ RVF_EXPORT Ref<NSDate> RVF_firstDayOfNextWeekForDate(const Ref<NSCalendar>& cale
 RVF_EXPORT Ref<NSDate> RVF_lastDayOfNextWeekForDate(const Ref<NSCalendar>& calendar,
                                                     const Ref<NSDate>& date);
 
+/// The first or last day of the date's month, or of the one before or behind it.
 RVF_EXPORT Ref<NSDate> RVF_firstDayOfCurrentMonthForDate(const Ref<NSCalendar>& calendar,
                                                          const Ref<NSDate>& date);
 RVF_EXPORT Ref<NSDate> RVF_lastDayOfCurrentMonthForDate(const Ref<NSCalendar>& calendar,

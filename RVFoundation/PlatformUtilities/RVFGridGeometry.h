@@ -47,6 +47,7 @@ RVF_EXPORT bool RVFIntersectsGridRect(const RVFGridRect& a, const RVFGridRect& b
 ///
 /// Thread: any. Lifetime: an object holds a copy of the record.
 struct RVF_EXPORT NSValue_RVFValueGeometryExtensions {
+  /// A new object, which `RVF_gridRectValue` and the others below read.
   static Ref<NSValue> RVF_valueWithGridRect(const RVFGridRect& rect);
   static Ref<NSValue> RVF_valueWithGridSize(const RVFGridSize& size);
   static Ref<NSValue> RVF_valueWithGridPoint(const RVFGridPoint& point);

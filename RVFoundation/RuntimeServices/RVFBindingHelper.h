@@ -25,6 +25,7 @@ namespace rvf {
 /// Thread: its owner's. Lifetime: neither targets nor observers are kept; reset it before it goes.
 class RVF_EXPORT RVFBindingHelper final : public NSObject {
  public:
+  /// Without registrations.
   static Ref<RVFBindingHelper> init();
   RVFBindingHelper() = default;
   /// Reports an assertion, "Deallocated with bindings left.", unless the helper was reset. What the

@@ -24,6 +24,7 @@ class RVF_EXPORT RVFClassIvarDescriptor final : public NSObject {
   static Class classObject();
   Class isa() const override;
 
+  /// The variable's, unless the descriptor was renamed.
   const std::string& name() const noexcept { return name_; }
   /// Renames the descriptor, not the variable.
   void setName(std::string_view name);

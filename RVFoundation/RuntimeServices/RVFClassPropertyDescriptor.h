@@ -30,6 +30,7 @@ class RVF_EXPORT RVFClassPropertyDescriptor final : public NSObject {
   static Class classObject();
   Class isa() const override;
 
+  /// The name in the runtime, by which key-value coding finds the property.
   const std::string& name() const noexcept { return name_; }
   /// By letter, the rest of the attribute: `T` gives the type encoding, flags give the empty text.
   const Ref<NSMutableDictionary>& attributes() const noexcept { return attributes_; }
@@ -39,8 +40,7 @@ class RVF_EXPORT RVFClassPropertyDescriptor final : public NSObject {
   /// raises `NSRangeException`; `attributes` then holds those before it.
   void readPropertyAttributesFromString(std::string_view attributes);
 
-  // Read from `attributes` at every call.
-
+  /// Read from `attributes` at every call, like all that follow.
   bool isCopy() const { return has("C"); }
   bool isNonAtomic() const { return has("N"); }
   bool isRetained() const { return has("&"); }

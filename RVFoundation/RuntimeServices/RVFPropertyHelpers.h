@@ -31,6 +31,7 @@ struct RVFPropertyInfo {
     /// Cut at the capacity, and read up to the first zero byte like every name of the runtime.
     RVF_EXPORT explicit Text(std::string_view text) noexcept;
 
+    /// Up to the first zero byte; lives as long as the text.
     RVF_EXPORT std::string_view view() const noexcept;
     operator std::string_view() const noexcept { return view(); }  // NOLINT: reads as text
     bool empty() const noexcept { return characters_.front() == '\0'; }

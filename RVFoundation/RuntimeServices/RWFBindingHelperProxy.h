@@ -29,6 +29,7 @@ namespace rvf {
 /// helper, until `reset`.
 class RVF_EXPORT RWFBindingHelperProxy final : public NSProxy {
  public:
+  /// The object is not owned.
   static Ref<RWFBindingHelperProxy> initWithObject(const id& object);
   explicit RWFBindingHelperProxy(const id& object);
 
@@ -54,8 +55,7 @@ class RVF_EXPORT RWFBindingHelperProxy final : public NSProxy {
   /// stay. The message is `_RWFBindingHelperReset`.
   void bindingHelperReset();
 
-  // The records of this moment, oldest first.
-
+  /// The records of this moment, oldest first, in arrays that do not change any more.
   Ref<NSArray> kvoInfo() const { return kvoInfo_->copy(); }
   Ref<NSArray> bindingNames() const { return bindingNames_->copy(); }
   Ref<NSArray> notificationInfo() const { return notificationInfo_->copy(); }

@@ -37,6 +37,7 @@ class RVF_EXPORT RVFQMServerServiceBrowser final : public NSObject,
                                                        const Ref<RVFQMServerService>& removed,
                                                        const Ref<RVFQMServerService>& changed)>;
 
+  /// A new one, which does not browse yet.
   static Ref<RVFQMServerServiceBrowser> serviceBrowser();
 
   RVFQMServerServiceBrowser();

@@ -79,6 +79,7 @@ class RVF_EXPORT RVFStaticServer : public NSObject {
   static Class classObject();
   Class isa() const override;
 
+  /// As typed, and checked only when it is resolved. Absent until set.
   const std::optional<std::string>& serverAddress() const noexcept { return serverAddress_; }
   void setServerAddress(std::optional<std::string> address);
   const std::optional<std::string>& serverDescription() const noexcept {

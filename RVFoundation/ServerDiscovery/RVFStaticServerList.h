@@ -53,6 +53,7 @@ class RVF_EXPORT RVFStaticServerList final : public NSObject {
   /// Stores the list, as an empty array if there is no server, and writes the defaults through.
   void save();
 
+  /// In constant time.
   std::size_t serverCount() const noexcept { return servers_->count(); }
   /// Raises `NSRangeException` past the end.
   Ref<RVFStaticServer> serverAtIndex(std::size_t index) const;

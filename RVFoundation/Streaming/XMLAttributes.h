@@ -26,6 +26,7 @@ class XMLAttribute final {
   /// `group` is five texts: local name, prefix, URI, start and end of the value.
   explicit XMLAttribute(const XMLText* group) noexcept : group_(group) {}
 
+  /// Empty for an absent prefix or URI.
   std::string_view localName() const noexcept { return xmlView(group_[0]); }
   std::string_view prefix() const noexcept { return xmlView(group_[1]); }
   std::string_view URI() const noexcept { return xmlView(group_[2]); }
@@ -80,6 +81,7 @@ class XMLAttributes final {
   XMLAttributes(const XMLText* groups, std::int32_t count) noexcept
       : groups_(groups), count_(count > 0 ? static_cast<std::size_t>(count) : 0) {}
 
+  /// Attributes, of five texts each.
   std::size_t count() const noexcept { return count_; }
   Iterator begin() const noexcept { return Iterator(groups_); }
   Iterator end() const noexcept { return Iterator(groups_ + count_ * kTextsPerAttribute); }
