@@ -40,4 +40,10 @@ int main() {
   if (!error) decompressor->completeDecompressionUsingError(&error);
   if (!error) parser->completeParsingUsingError(&error);
   std::cout << (error ? error->localizedDescription() : "complete") << '\n';
+
+  const auto journal = NSData::dataWithBytes(std::string(10'000, '-'));
+  const auto packed = RVF_deflate(journal);  // gzip
+  std::cout << (packed->length() < 100) << ' ' << RVF_inflate(packed)->isEqual(journal.get())
+            << '\n';
+  if (!RVF_inflate(NSData::dataWithBytes("no gzip"))) std::cout << "not compressed\n";
 }

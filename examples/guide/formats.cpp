@@ -3,10 +3,16 @@
 
 #include "Platform/Locale/NSLocale.h"
 #include "Platform/Numbers/NSDecimalNumber.h"
+#include "Platform/Values/NSString.h"
 #include "RVFoundation/Formatters/NSNumberFormatter-QMExtension.h"
+#include "RVFoundation/Formatters/RVFBooleanFormatter.h"
+#include "RVFoundation/Formatters/RVFByteSizeFormatter.h"
 #include "RVFoundation/Formatters/RVFCurrencyFormatter.h"
+#include "RVFoundation/Formatters/RVFPhoneNumberFormatter.h"
 #include "RVFoundation/Formatters/RVFQuantityFormatter.h"
+#include "RVFoundation/Formatters/RVFSecondsToHoursFormatter.h"
 #include "RVFoundation/Formatters/RVFTimeFormatter.h"
+#include "RVFoundation/Formatters/RVFUppercaseFormatter.h"
 
 using namespace rvf;
 
@@ -25,4 +31,13 @@ int main() {
   std::string problem;
   if (!RVFQuantityFormatter::sharedQuantityFormatter()->getObjectValue(&typed, "2 kg", &problem))
     std::cout << problem << '\n';
+
+  NSLocale::setCurrentLocaleIdentifier("en_US");
+  const auto hours = std::make_shared<RVFSecondsToHoursFormatter>();
+  hours->setDecimalFormatter(NSNumberFormatter_QMExtension::quantityFormatter());
+  std::cout << hours->stringForObjectValue(box(5400)).value_or("") << '\n';
+  std::cout << RVFPhoneNumberFormatter::stringFromPhoneNumber("6045551234") << '\n';
+  std::cout << RVFByteSizeFormatter::stringFromByteCount(1536, true) << '\n';
+  std::cout << RVFBooleanFormatter().stringForObjectValue(box(true)).value_or("") << '\n';
+  std::cout << RVFUppercaseFormatter().stringForObjectValue(box("straße")).value_or("") << '\n';
 }

@@ -3,10 +3,12 @@
 
 #include "Platform/Locale/NSLocale.h"
 #include "Platform/Storage/NSPropertyListSerialization.h"
+#include "Platform/Values/NSArray.h"
 #include "Platform/Values/NSData.h"
 #include "Platform/Values/NSDictionary.h"
 #include "Platform/Values/NSNumber.h"
 #include "RVFoundation/PlatformUtilities/RVFColumnWidthRegistry.h"
+#include "RVFoundation/PlatformUtilities/RVFGridGeometry.h"
 #include "RVFoundation/PlatformUtilities/RVFHardwareInfo.h"
 
 using namespace rvf;
@@ -30,6 +32,14 @@ int main() {
   const auto total = registry->columnWidthInfoForKey("total", "orders");
   std::cout << number->defaultWidth() << ' ' << total->defaultWidth() << ' ' << total->autoresize()
             << '\n';
+
+  const RVFGridRect table{{2, 3}, {4, 2}};  // first cell, then columns and rows
+  const RVFGridRect bar{{6, 3}, {1, 8}};
+  std::cout << RVFIntersectsGridRect(table, bar) << '\n';  // side by side
+  const auto kept =
+      NSArray::arrayWithObjects({NSValue_RVFValueGeometryExtensions::RVF_valueWithGridRect(table)});
+  const auto value = std::dynamic_pointer_cast<NSValue>(kept->firstObject());
+  std::cout << RVF_gridRectValue(value).size.width << '\n';
 
   NSLocale::setCurrentLocaleIdentifier("de_DE");
   const auto locale = NSLocale::currentLocale();

@@ -15,6 +15,7 @@
 #include "RVFoundation/RuntimeServices/RVFClassPropertyDescriptor.h"
 #include "RVFoundation/RuntimeServices/RVFDynamicPropertySynthesizer.h"
 #include "RVFoundation/RuntimeServices/RVFKeyedArchiverFilter.h"
+#include "RVFoundation/RuntimeServices/RVFSupersequentImplementation.h"
 
 using namespace rvf;
 
@@ -68,13 +69,21 @@ class Product final : public NSObject, public RVFDynamicPropertyProvider {
 class Drawer final : public NSObject {
  public:
   static Class classObject() {
-    static const Class kClass =
-        ClassBuilder<Drawer>("Drawer", NSObject::classObject()).registered();
+    static const Class kClass = ClassBuilder<Drawer>("Drawer", NSObject::classObject())
+                                    .method<&Drawer::open>("open")
+                                    .registered();
     return kClass;
   }
   Class isa() const override { return classObject(); }
   std::string description() const override { return "<drawer 1>"; }
+  std::string open() { return "drawer 1 is open"; }
 };
+
+std::string openWithBell(NSObject& self, SEL selector) {
+  const IMP own = RVF_ImpOfCallingMethod(&self, selector);
+  const IMP next = RVF_getImplementationOf(&self, selector, own);
+  return "ding, " + (next ? next.call<std::string>(self, selector) : "nothing opens");
+}
 
 }  // namespace
 
@@ -113,4 +122,7 @@ int main() {
   helper->reset();  // everything that was made through the helper is undone
   setValueForKey(*product, box("Coffee"), "name");
   std::cout << valueForKey(*label, "name")->description() << '\n';
+
+  class_addExtension(Drawer::classObject(), {{SEL("open"), &openWithBell}});
+  std::cout << send<std::string>(std::make_shared<Drawer>(), SEL("open")) << '\n';
 }

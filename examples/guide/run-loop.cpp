@@ -1,11 +1,39 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
 #include <iostream>
 
+#include "Platform/Network/CFSocket.h"
+#include "Platform/Network/SocketAddress.h"
 #include "Platform/RunLoop/NSRunLoop.h"
 #include "RVFoundation/BackgroundExecution/NSObject-RVFExtensions.h"
 #include "RVFoundation/BackgroundExecution/RVFBlockQueue.h"
 
 using namespace rvf;
+
+namespace {
+
+void connected(const Ref<CFSocket>&, CFSocketCallBackType, const Ref<NSData>& address,
+               const void* data, void*) {
+  std::cout << "from " << SocketAddress::fromDataBlock(address)->addressText() << '\n';
+  ::close(*static_cast<const int*>(data));
+  NSRunLoop::currentRunLoop()->stop();
+}
+
+/// A descriptor, or -1.
+int connectionTo(const Ref<NSData>& address) {
+  sockaddr_storage storage{};
+  const auto length =
+      static_cast<socklen_t>(SocketAddress::fromDataBlock(address)->toSockaddr(storage));
+  const int client = ::socket(PF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  if (::connect(client, reinterpret_cast<const sockaddr*>(&storage), length) == 0) return client;
+  ::close(client);
+  return -1;
+}
+
+}  // namespace
 
 int main() {
   const auto loop = NSRunLoop::mainRunLoop();
@@ -31,4 +59,15 @@ int main() {
     loop->stop();
   });
   loop->run();
+
+  const auto listener =
+      CFSocketCreate(PF_INET, SOCK_STREAM, 0, kCFSocketAcceptCallBack, &connected, {});
+  const auto anyPort = SocketAddress::withIPv4({127, 0, 0, 1}, 0).dataBlock();
+  if (CFSocketSetAddress(listener, anyPort) != kCFSocketSuccess) return 1;
+  CFRunLoopAddSource(loop, CFSocketCreateRunLoopSource(listener, 0), NSRunLoopCommonModes);
+  const int client = connectionTo(CFSocketCopyAddress(listener));  // usually another process
+  if (client < 0) return 1;
+  loop->run();
+  CFSocketInvalidate(listener);
+  ::close(client);
 }

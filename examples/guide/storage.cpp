@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <filesystem>
+#include <fstream>
 #include <iostream>
 
+#include "RVFoundation/PlatformUtilities/NSFileHandle-RVFExtensions.h"
 #include "RVFoundation/RuntimeServices/RVFTestingUserDefaults.h"
 #include "RVFoundation/ServerDiscovery/RVFStaticServer.h"
 #include "RVFoundation/ServerDiscovery/RVFStaticServerList.h"
@@ -18,4 +21,15 @@ int main() {
   server->setServerDescription(list.nextUntitledServerName());
   list.addServer(server);
   std::cout << list.serverAtIndex(0)->displayName() << '\n';
+
+  std::string path;
+  Ref<NSError> error;
+  const auto file =
+      NSFileHandle_RVFExtensions::RVF_fileHandleForTemporaryFileUsingFilePath(&path, &error);
+  if (!file) return 1;
+  std::ofstream(path) << "receipt 7";
+  std::cout << RVF_availableByteCountNonBlocking(file) << '\n';
+  const auto start = readDataOfLengthNonBlocking(file, 7);
+  std::cout << start->characters() << '\n';
+  std::filesystem::remove(path);
 }
