@@ -3,7 +3,7 @@
 # Builds and runs a client's project against this build tree, the way the client would.
 #
 # usage: consumer_test.sh KIND BUILD_DIR WORK_DIR CXX CXX_FLAGS
-#        KIND: find_package|pkg_config|pkg_config_static|debian
+#        KIND: find_package|pkg_config|pkg_config_static|debian|add_subdirectory
 #
 # CXX and CXX_FLAGS are those of the build tree: sanitizers must agree on both sides.
 set -euo pipefail
@@ -22,7 +22,7 @@ install_and_move() {
 build_project() {
   cmake -S "$here/$1" -B "$work/build" -G Ninja -D CMAKE_CXX_COMPILER="$cxx" \
     -D CMAKE_CXX_FLAGS="$cxx_flags" "${@:2}"
-  cmake --build "$work/build"
+  cmake --build "$work/build" -j 2
   "$work/build/consumer"
 }
 
@@ -98,6 +98,12 @@ case $kind in
     build_by_pkg_config
     check_tool "$work/root/usr/bin/rvf"
     check_documents "$work/root/usr/share"
+    ;;
+  add_subdirectory)
+    precompile=$(sed -n 's/^RVF_PRECOMPILE_HEADERS:BOOL=//p' "$build/CMakeCache.txt")
+    cxx_flags="$cxx_flags -O0"
+    build_project add_subdirectory -D RVFOUNDATION_FOLDER="$here/../.." \
+      -D RVF_PRECOMPILE_HEADERS="${precompile:-OFF}"
     ;;
   *)
     sed -n '/^# usage/,/^# *KIND/s/^# //p' "$0" >&2
