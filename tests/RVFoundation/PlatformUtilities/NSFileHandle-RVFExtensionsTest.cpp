@@ -17,6 +17,7 @@
 
 #include <array>
 #include <filesystem>
+#include <fstream>
 #include <limits>
 #include <optional>
 #include <set>
@@ -408,12 +409,24 @@ TEST_F(TemporaryFileTest, AMissingFolderIsAnError) {
   EXPECT_EQ(codeOfFailure(), ENAMETOOLONG);
 }
 
+/// Whether this process may mount from now on. Without privilege it takes a namespace of users,
+/// too, in which it stays who it is.
+bool enterMountNamespace() {
+  const auto user = std::to_string(geteuid());
+  const auto group = std::to_string(getegid());
+  if (user == "0") return unshare(CLONE_NEWNS) == 0;
+  if (unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0) return false;
+  std::ofstream("/proc/self/setgroups") << "deny";
+  std::ofstream("/proc/self/uid_map") << user + " " + user + " 1";
+  std::ofstream("/proc/self/gid_map") << group + " " + group + " 1";
+  return true;
+}
+
 /// Ends the process with the code of the error in a folder that has room for one file, or with 1.
 /// The folder gets a file system of its own, in a namespace that ends with the process.
 [[noreturn]] void exitWithCodeOfFullFolder(const std::string& folder) {
-  const int spaces = geteuid() == 0 ? CLONE_NEWNS : CLONE_NEWUSER | CLONE_NEWNS;
   Ref<NSError> error;
-  if (unshare(spaces) != 0 || mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+  if (!enterMountNamespace() || mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
       mount("tmpfs", folder.c_str(), "tmpfs", 0, "nr_inodes=2,mode=0777") != 0 ||
       !NSFileHandle_RVFExtensions::RVF_fileHandleForTemporaryFileUsingFilePath() ||
       NSFileHandle_RVFExtensions::RVF_fileHandleForTemporaryFileUsingFilePath(nullptr, &error))
