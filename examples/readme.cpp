@@ -16,8 +16,8 @@ int main() {
   browser->startBrowsingWithServiceListChangedHandler([](const auto& found, auto&, auto&) {
     if (!found) return;
     RVF_resolveWithTimeout(
-        found->mainService(), 5, [](const auto& service, const auto& error, bool) {
-          if (error) return;  // gone again: wait for another one
+        found->mainService(), 5, [](const auto& service, const auto& error, bool wasStopped) {
+          if (error || wasStopped) return;  // no answer: wait for another server
           const auto address = service->addresses().front();
           const auto url = NSURL_RVFExtensions::RVF_CURLURLWithAddressData(address);
           std::cout << url->absoluteString() << '\n';  // https://192.168.1.10:9630/
