@@ -31,9 +31,10 @@ enum RVFTrackInfo : std::uint64_t {
 ///         "%B4111111111111111^DOE/JOHN^1512101?;4111111111111111=1512101?", true);
 ///     if (card) greet(card->displayCardholderName());   // "JOHN DOE"
 ///
-/// A swipe is a run of segments, each ended by "?" and opened by "%" (track 1), ";" (track 2) or
-/// "|" (encrypted block). They may come in any order and repeat; a later one overwrites what an
-/// earlier one set. Lengths and positions count UTF-16 code units; check digits are not tested.
+/// A swipe is a run of segments with "?" between them, opened by "%" (track 1), ";" (track 2) or
+/// "|" (encrypted block). A "?" after the last one may be missing. They may come in any order and
+/// repeat; a later one overwrites what an earlier one set. Lengths and positions count UTF-16 code
+/// units; check digits are not tested.
 ///
 /// The texts are wiped from memory when they are replaced and when the parser is destroyed, and are
 /// in no description or exception. A text that was got is valid until then, except for the swipe
