@@ -28,11 +28,13 @@ int main() {
 
   id typed;
   if (money->getObjectValue(&typed, "1.999,995")) std::cout << typed->description() << '\n';
+  if (money->getObjectValue(&typed, "10.99")) std::cout << typed->description() << '\n';
+
+  NSLocale::setCurrentLocaleIdentifier("en_US");
   std::string problem;
   if (!RVFQuantityFormatter::sharedQuantityFormatter()->getObjectValue(&typed, "2 kg", &problem))
     std::cout << problem << '\n';
 
-  NSLocale::setCurrentLocaleIdentifier("en_US");
   const auto hours = std::make_shared<RVFSecondsToHoursFormatter>();
   hours->setDecimalFormatter(NSNumberFormatter_QMExtension::quantityFormatter());
   std::cout << hours->stringForObjectValue(box(5400)).value_or("") << '\n';
