@@ -3,6 +3,8 @@
 #include <fstream>
 #include <iostream>
 
+#include "Platform/Storage/NSPropertyListSerialization.h"
+#include "Platform/Values/NSDictionary.h"
 #include "RVFoundation/PlatformUtilities/NSFileHandle-RVFExtensions.h"
 #include "RVFoundation/RuntimeServices/RVFTestingUserDefaults.h"
 #include "RVFoundation/ServerDiscovery/RVFStaticServer.h"
@@ -21,6 +23,11 @@ int main() {
   server->setServerDescription(list.nextUntitledServerName());
   list.addServer(server);
   std::cout << list.serverAtIndex(0)->displayName() << '\n';
+
+  const auto damaged = NSData::dataWithBytes("{ till = 3");
+  Ref<NSError> problem;
+  if (!NSPropertyListSerialization::propertyListWithData(damaged, nullptr, &problem))
+    std::cout << problem->userInfo()->objectForKey("NSDebugDescription")->description() << '\n';
 
   std::string path;
   Ref<NSError> error;
